@@ -1,0 +1,55 @@
+# Compiler settings and the few functions with which every folder declares its target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1")
+set(CMAKE_SHARED_LINKER_FLAGS_DEV "")
+set(CMAKE_EXE_LINKER_FLAGS_DEV "")
+
+# The build tree has the shape of an installed one, so that resources are found the same way.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(KESTROVA_BUNDLE_DIR "${PROJECT_BINARY_DIR}/share/kestrova/Kestrova.bundle")
+
+find_package(Threads REQUIRED)
+
+add_library(kestrova_options INTERFACE)
+target_compile_options(kestrova_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+target_include_directories(kestrova_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_link_libraries(kestrova_options INTERFACE Threads::Threads)
+
+if(KESTROVA_SANITIZE)
+  add_compile_options(-fsanitize=${KESTROVA_SANITIZE} -fno-omit-frame-pointer
+                      -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${KESTROVA_SANITIZE})
+endif()
+
+# kestrova_module(NAME SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
+# One static library a folder. Third-party libraries go to PRIVATE_LINKS: their headers are for the
+# folder's own .cpp files.
+function(kestrova_module name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC kestrova_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+endfunction()
+
+# kestrova_program(NAME SOURCES a.cpp ... [LINKS target ...])
+function(kestrova_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE kestrova_options ${arg_LINKS})
+endfunction()
+
+# kestrova_test(NAME SOURCES a_test.cpp ... [LINKS target ...])
+# A GoogleTest program whose cases ctest runs one by one.
+function(kestrova_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  kestrova_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+endfunction()

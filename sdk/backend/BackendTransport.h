@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/network/HTTPTransport.h"
+#include "sdk/Platform.h"
+
+namespace kestrova {
+
+// The transport that API sends through. Any thread.
+struct BackendTransport {
+  // Made at the first call with the settings of the build.
+  static std::shared_ptr<HTTPTransport> current();
+  // The settings of the build, to be changed for another transport.
+  static HTTPTransportConfiguration defaultConfiguration();
+  // Sends later requests through another transport: a test's, or a demo's with a port of its own.
+  static void replace(std::shared_ptr<HTTPTransport> transport);
+};
+
+}  // namespace kestrova
