@@ -1,7 +1,9 @@
 #include "platform/foundation/FileManager.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -27,6 +29,44 @@ fs::path homeDirectory() {
   std::vector<char> buffer(16384);
   getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
   return found ? found->pw_dir : "/";
+}
+
+struct RegularFile {
+  FileDescriptor descriptor;
+  std::size_t size = 0;
+};
+
+Result<RegularFile> openRegular(const fs::path& path) {
+  // Not blocking: a named pipe would wait for its writer.
+  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status {};
+  if (!file || ::fstat(file.get(), &status) != 0) return NSError::posix(errno, path.string());
+  if (!S_ISREG(status.st_mode)) {
+    return NSError::posix(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path.string());
+  }
+  return RegularFile{std::move(file), static_cast<std::size_t>(status.st_size)};
+}
+
+// Reads no further than one byte behind the announced size: there must be none.
+Result<Done> readBlocks(const RegularFile& file, const fs::path& path,
+                        const FileManager::Sink& sink) {
+  constexpr std::size_t blockSize = 256 * 1024;
+  Data block(blockSize);
+  for (std::size_t size = 0;;) {
+    const auto count =
+        ::read(file.descriptor.get(), block.bytes(), std::min(blockSize, file.size - size + 1));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return NSError::posix(errno, path.string());
+    size += static_cast<std::size_t>(count);
+    if (size > file.size || (count == 0 && size < file.size)) {
+      return NSError{"NSCocoaErrorDomain", 256,
+                     path.string() + ": changed in size while it was read"};
+    }
+    if (count == 0) return Done{};
+    if (auto taken = sink(block.view().substr(0, static_cast<std::size_t>(count))); !taken) {
+      return taken;
+    }
+  }
 }
 
 Result<Done> writeAll(int descriptor, std::string_view data, const std::string& what) {
@@ -77,29 +117,22 @@ Result<fs::path> FileManager::documentDirectory() {
   return documents;
 }
 
-Result<std::string> FileManager::contents(const fs::path& path) {
-  // Not blocking: a named pipe would wait for its writer.
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status {};
-  if (!file || ::fstat(file.get(), &status) != 0) return NSError::posix(errno, path.string());
-  if (!S_ISREG(status.st_mode)) {
-    return NSError::posix(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, path.string());
-  }
-  std::string data;
-  data.resize(static_cast<std::size_t>(status.st_size));
-  std::size_t size = 0;
-  while (size < data.size()) {
-    const auto count = ::read(file.get(), data.data() + size, data.size() - size);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return NSError::posix(errno, path.string());
-    if (count == 0) break;
-    size += static_cast<std::size_t>(count);
-  }
-  struct stat after {};
-  if (size != data.size() || ::fstat(file.get(), &after) != 0 || after.st_size != status.st_size) {
-    return NSError{"NSCocoaErrorDomain", 256,
-                   path.string() + ": changed in size while it was read"};
-  }
+Result<Done> FileManager::read(const fs::path& path, const Sink& sink) {
+  const auto file = openRegular(path);
+  if (!file) return file.error();
+  return readBlocks(file.value(), path, sink);
+}
+
+Result<Data> FileManager::contents(const fs::path& path) {
+  const auto file = openRegular(path);
+  if (!file) return file.error();
+  Data data(file.value().size);
+  std::size_t filled = 0;
+  const auto done = readBlocks(file.value(), path, [&](std::string_view block) -> Result<Done> {
+    filled += block.copy(data.bytes() + filled, block.size());
+    return Done{};
+  });
+  if (!done) return done.error();
   return data;
 }
 

@@ -2,8 +2,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <string_view>
 
+#include "platform/foundation/Data.h"
 #include "platform/foundation/Result.h"
 
 namespace kestrova::platform {
@@ -17,9 +20,13 @@ struct FileManager {
   // `path` with a leading "~/" replaced by the user's home directory.
   static std::filesystem::path expandingTilde(const std::string& path);
 
-  // The bytes of a regular file. An error where it cannot be read whole: not there, another kind of
-  // file, or changed in size while it is read.
-  static Result<std::string> contents(const std::filesystem::path& path);
+  // Hands the bytes of a regular file to `sink`, block by block, until it returns an error, which
+  // is then this call's. An error too where the file cannot be read whole: not there, another kind
+  // of file, or changed in size while it is read.
+  using Sink = std::function<Result<Done>(std::string_view block)>;
+  static Result<Done> read(const std::filesystem::path& path, const Sink& sink);
+  // All of them; errors as above.
+  static Result<Data> contents(const std::filesystem::path& path);
 
   // Replaces or makes the file `path`, private to the user (mode 0600), by writing a new file
   // beside it and renaming that. After an error the old file stands and the new one is gone.

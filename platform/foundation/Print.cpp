@@ -1,16 +1,17 @@
 #include "platform/foundation/Print.h"
 
 #include <cstdio>
+#include <string>
 
 namespace kestrova::platform {
 
 void print(std::string_view line) {
-  flockfile(stdout);
-  // A host's own output goes through the same stream, so the order of lines is kept.
-  static_cast<void>(fwrite_unlocked(line.data(), 1, line.size(), stdout));
-  putc_unlocked('\n', stdout);
-  static_cast<void>(fflush_unlocked(stdout));
-  funlockfile(stdout);
+  std::string whole(line);
+  whole += '\n';
+  // One call of the stream that the host's own output goes through: the line stays in one piece,
+  // and in its place among the host's.
+  static_cast<void>(std::fwrite(whole.data(), 1, whole.size(), stdout));
+  static_cast<void>(std::fflush(stdout));
 }
 
 }  // namespace kestrova::platform

@@ -113,6 +113,8 @@ void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& config
 
   curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &writeAnswer);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &noteHeader);
+  curl_easy_setopt(handle, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
   curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &noteProgress);
   curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
@@ -125,6 +127,13 @@ std::size_t CurlTransfer::writeAnswer(char* data, std::size_t size, std::size_t 
     return CURL_WRITEFUNC_ERROR;
   }
   transfer.answer_.append(data, size * count);
+  return size * count;
+}
+
+// The progress report counts the body alone.
+std::size_t CurlTransfer::noteHeader(char* /*line*/, std::size_t size, std::size_t count,
+                                     void* self) {
+  static_cast<CurlTransfer*>(self)->lastProgress_ = DispatchClock::now();
   return size * count;
 }
 

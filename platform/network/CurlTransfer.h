@@ -46,6 +46,7 @@ class CurlTransfer {
 
  private:
   static std::size_t writeAnswer(char* data, std::size_t size, std::size_t count, void* self);
+  static std::size_t noteHeader(char* line, std::size_t size, std::size_t count, void* self);
   static std::size_t readBody(char* buffer, std::size_t size, std::size_t count, void* self);
   static int seekBody(void* self, std::int64_t offset, int origin);
   static int noteProgress(void* self, std::int64_t downloadTotal, std::int64_t downloaded,

@@ -42,6 +42,10 @@ CurlTransport::CurlTransport(HTTPTransportConfiguration configuration)
 }
 
 CurlTransport::~CurlTransport() {
+  if (getpid() != process_) {
+    abandon();
+    return;
+  }
   {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
@@ -49,6 +53,13 @@ CurlTransport::~CurlTransport() {
   curl_multi_wakeup(multi_.get());
   thread_.join();
   for (const auto& transfer : active_) curl_multi_remove_handle(multi_.get(), transfer->handle());
+}
+
+// In a forked child the connections are the parent's: closing them in order would end them there.
+void CurlTransport::abandon() {
+  for (auto& transfer : active_) static_cast<void>(transfer.release());
+  for (auto& handle : idleHandles_) static_cast<void>(handle.release());
+  static_cast<void>(multi_.release());
 }
 
 void CurlTransport::send(HTTPRequest request, Completion completion) {

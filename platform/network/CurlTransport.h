@@ -34,6 +34,7 @@ class CurlTransport final : public HTTPTransport {
  private:
   using Transfers = std::list<std::unique_ptr<CurlTransfer>>;
 
+  void abandon();
   void run();
   bool takeArrived();
   void startWaiting();
@@ -44,7 +45,7 @@ class CurlTransport final : public HTTPTransport {
 
   const HTTPTransportConfiguration configuration_;
   const pid_t process_;
-  const std::unique_ptr<CURLM, CurlMultiDeleter> multi_;
+  std::unique_ptr<CURLM, CurlMultiDeleter> multi_;
 
   std::mutex mutex_;
   std::deque<std::unique_ptr<CurlTransfer>> arrived_;

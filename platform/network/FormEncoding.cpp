@@ -18,48 +18,42 @@ constexpr auto kUnescaped = [] {
 
 void appendEscaped(std::string& out, std::string_view text) {
   constexpr std::string_view digits = "0123456789ABCDEF";
-  const auto start = out.size();
-  out.resize(start + 3 * text.size());
-  char* write = out.data() + start;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (kUnescaped[byte]) {
-      *write++ = c;
-    } else {
-      *write++ = '%';
-      *write++ = digits[byte >> 4U];
-      *write++ = digits[byte & 0xfU];
-    }
+  auto kept = text.begin();
+  for (auto next = text.begin(); next != text.end(); ++next) {
+    const auto byte = static_cast<unsigned char>(*next);
+    if (kUnescaped[byte]) continue;
+    const char escaped[] = {'%', digits[byte >> 4U], digits[byte & 0xfU]};
+    out.append(kept, next).append(escaped, sizeof escaped);
+    kept = next + 1;
   }
-  out.resize(static_cast<std::size_t>(write - out.data()));
+  out.append(kept, text.end());
+}
+
+void appendScalar(std::string& out, const JSONValue& value) {
+  if (const auto* text = value.text()) {
+    appendEscaped(out, *text);
+  } else if (const auto* boolean = value.boolean()) {
+    out += *boolean ? '1' : '0';
+  } else {
+    appendEscaped(out, description(value));
+  }
 }
 
 // `key` is escaped already: brackets of nested keys escape like any other character.
-void appendPairs(std::string& out, const std::string& key, const JSONValue& value) {
-  constexpr std::string_view open = "%5B";
-  constexpr std::string_view close = "%5D";
+void appendPairs(std::string& out, std::string_view key, const JSONValue& value) {
   if (const auto* array = value.array()) {
-    std::string inner = key;
-    inner.append(open).append(close);
+    const std::string inner = std::string(key).append("%5B%5D");
     for (const auto& element : *array) appendPairs(out, inner, element);
   } else if (const auto* dictionary = value.dictionary()) {
     for (const auto& [name, element] : *dictionary) {
-      std::string inner = key;
-      inner += open;
+      std::string inner = std::string(key).append("%5B");
       appendEscaped(inner, name);
-      inner += close;
-      appendPairs(out, inner, element);
+      appendPairs(out, inner.append("%5D"), element);
     }
   } else {
     if (!out.empty()) out += '&';
     out.append(key).push_back('=');
-    if (const auto* text = value.text()) {
-      appendEscaped(out, *text);
-    } else if (const auto* boolean = value.boolean()) {
-      out += *boolean ? '1' : '0';
-    } else {
-      appendEscaped(out, description(value));
-    }
+    appendScalar(out, value);
   }
 }
 
@@ -73,6 +67,7 @@ std::string percentEscaped(std::string_view text) {
 
 std::string formEncoded(const JSONDictionary& parameters) {
   std::string out;
+  out.reserve(512);
   std::string key;
   for (const auto& [name, value] : parameters) {
     key.clear();

@@ -44,7 +44,7 @@ void HTTPTransport::upload(std::string url, HTTPHeaders headers,
     {
       MultipartFormData form;
       build(form);
-      auto encoded = std::move(form).encode(self->temporaryDirectory_);
+      auto encoded = form.encode(self->temporaryDirectory_);
       if (!encoded) {
         DispatchQueue::main().async(
             [encodingFailed, error = encoded.error()] { encodingFailed(error); });

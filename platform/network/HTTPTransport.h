@@ -41,7 +41,7 @@ struct HTTPTransportConfiguration {
   std::string userAgent;
   // PEM file of the authorities to trust; empty for the system's store.
   std::filesystem::path trustedAuthorities;
-  // How long a request may go without a byte moving, the connection's set-up included.
+  // How long a request may go without progress: a connection, a header line, or a byte of a body.
   std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
   // A longer answer (after decompression) is an error. Bytes.
   std::size_t maximumAnswer = std::size_t{16} * 1024 * 1024;

@@ -5,6 +5,7 @@
 
 #include <sys/random.h>
 
+#include "platform/foundation/FileManager.h"
 #include "platform/network/TemporaryFile.h"
 
 namespace kestrova::platform {
@@ -51,32 +52,41 @@ std::string MultipartFormData::contentType() const {
   return "multipart/form-data; boundary=" + boundary_;
 }
 
-void MultipartFormData::append(std::string data, std::string_view name) {
-  parts_.push_back({disposition(name) + "\r\n\r\n", std::move(data)});
+void MultipartFormData::append(std::string_view value, std::string_view name) {
+  parts_.push_back({disposition(name).append("\r\n\r\n").append(value), std::nullopt});
 }
 
-void MultipartFormData::append(std::string data, std::string_view name, std::string_view fileName,
-                               std::string_view mimeType) {
+void MultipartFormData::append(std::filesystem::path file, std::string_view name,
+                               std::string_view fileName, std::string_view mimeType) {
   std::string head = disposition(name) + "; filename=" + quotedParameter(fileName);
   head.append("\r\nContent-Type: ").append(mimeType).append("\r\n\r\n");
-  parts_.push_back({std::move(head), std::move(data)});
+  parts_.push_back({std::move(head), std::move(file)});
 }
 
 Result<std::shared_ptr<const TemporaryFile>> MultipartFormData::encode(
-    const std::filesystem::path& directory) && {
-  auto file = TemporaryFile::make(directory);
-  if (!file) return file.error();
+    const std::filesystem::path& directory) const {
+  auto made = TemporaryFile::make(directory);
+  if (!made) return made.error();
+  auto& out = made.value();
   const std::string delimiter = "--" + boundary_;
-  for (auto& part : parts_) {
-    for (const auto& piece :
-         {delimiter + "\r\n" + part.head, std::exchange(part.data, {}), std::string("\r\n")}) {
-      if (const auto written = file.value().write(piece); !written) return written.error();
+  for (const auto& part : parts_) {
+    const auto start = out.size();
+    auto written = out.write(delimiter + "\r\n" + part.head);
+    if (written && part.file) {
+      const auto copied = FileManager::read(*part.file, [&](std::string_view block) {
+        written = out.write(block);
+        return written;
+      });
+      if (written && !copied) {
+        if (const auto undone = out.truncate(start); !undone) return undone.error();
+        continue;
+      }
     }
+    if (written) written = out.write("\r\n");
+    if (!written) return written.error();
   }
-  if (const auto written = file.value().write(delimiter + "--\r\n"); !written) {
-    return written.error();
-  }
-  return std::make_shared<const TemporaryFile>(std::move(file).value());
+  if (const auto written = out.write(delimiter + "--\r\n"); !written) return written.error();
+  return std::make_shared<const TemporaryFile>(std::move(out));
 }
 
 }  // namespace kestrova::platform

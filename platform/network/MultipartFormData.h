@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,19 +26,21 @@ class MultipartFormData {
   static std::string_view description() { return "MultipartFormData"; }
 
   // Adds a field, without a content type.
-  void append(std::string data, std::string_view name);
-  // Adds a file.
-  void append(std::string data, std::string_view name, std::string_view fileName,
+  void append(std::string_view value, std::string_view name);
+  // Adds a file. It is read while the form is encoded; if it cannot be read then, the form goes
+  // without this part.
+  void append(std::filesystem::path file, std::string_view name, std::string_view fileName,
               std::string_view mimeType);
 
-  // Writes the form to a temporary file in `directory` (the system's where empty), letting go of
-  // each part's bytes as it goes. After an error nothing is left on disk. The form is spent.
-  Result<std::shared_ptr<const TemporaryFile>> encode(const std::filesystem::path& directory) &&;
+  // Writes the form to a temporary file in `directory` (the system's where empty), block by block.
+  // After an error nothing is left on disk.
+  Result<std::shared_ptr<const TemporaryFile>> encode(const std::filesystem::path& directory) const;
 
  private:
   struct Part {
+    // The part's header, and for a field its value.
     std::string head;
-    std::string data;
+    std::optional<std::filesystem::path> file;
   };
 
   std::string boundary_;

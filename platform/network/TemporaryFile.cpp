@@ -47,6 +47,15 @@ Result<Done> TemporaryFile::write(std::string_view data) {
   return Done{};
 }
 
+Result<Done> TemporaryFile::truncate(std::uint64_t size) {
+  if (::ftruncate(file_.get(), static_cast<off_t>(size)) != 0 ||
+      ::lseek(file_.get(), static_cast<off_t>(size), SEEK_SET) < 0) {
+    return NSError::posix(errno, kFailure);
+  }
+  size_ = size;
+  return Done{};
+}
+
 Result<std::size_t> TemporaryFile::read(std::uint64_t offset, std::span<char> buffer) const {
   std::size_t size = 0;
   while (size < buffer.size()) {

@@ -19,6 +19,8 @@ class TemporaryFile {
 
   // Appends. An error leaves what was written before it.
   Result<Done> write(std::string_view data);
+  // Drops what was written from `size` on.
+  Result<Done> truncate(std::uint64_t size);
   std::uint64_t size() const { return size_; }
   // Fills `buffer` from `offset` on; fewer bytes than asked for only at the end.
   Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const;

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "platform/foundation/FileManager.h"
 #include "platform/foundation/Print.h"
 #include "platform/network/FormEncoding.h"
 #include "platform/network/MultipartFormData.h"
@@ -175,9 +174,7 @@ void API::uploadDataFromURL(std::filesystem::path url,
       std::move(target), {{"Content-type", "multipart/form-data"}},
       [=](MultipartFormData& form) {
         for (const auto& [key, value] : parameters) form.append(value, key);
-        if (auto data = FileManager::contents(url)) {
-          form.append(std::move(data).value(), name, fileName, mime_type);
-        }
+        form.append(url, name, fileName, mime_type);
         print("multipartFormData: " + std::string(MultipartFormData::description()));
       },
       [](const NSError& error) { print("Error in upload: " + error.localizedDescription); },

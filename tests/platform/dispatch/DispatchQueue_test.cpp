@@ -156,6 +156,20 @@ TEST(Once, RunsItsBlockOnceForConcurrentCallers) {
 }
 
 // What a process does at its end, in a child of its own.
+
+const pid_t kTestProcess = getpid();
+
+}  // namespace
+}  // namespace kestrova::platform
+
+// In the child the stacks of the parent's threads are gone, and with them what holds their memory.
+extern "C" int __lsan_is_turned_off() {
+  return getpid() != kestrova::platform::kTestProcess;
+}
+
+namespace kestrova::platform {
+namespace {
+
 template <typename Body>
 int exitStatusOf(Body body) {
   std::fflush(nullptr);

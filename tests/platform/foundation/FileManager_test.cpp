@@ -56,7 +56,7 @@ TEST_F(FileManagerTest, WritesReplaceAtomicallyAndPrivately) {
   const auto path = root() / "picture.png";
   ASSERT_TRUE(FileManager::write("one", path));
   ASSERT_TRUE(FileManager::write("two", path));
-  EXPECT_EQ(FileManager::contents(path).value(), "two");
+  EXPECT_EQ(FileManager::contents(path).value().view(), "two");
   EXPECT_EQ(mode(path), 0600U);
   EXPECT_EQ(entries(), 1U);
 }
@@ -71,7 +71,7 @@ TEST_F(FileManagerTest, AFailedWriteLeavesNothingBehind) {
 
 TEST_F(FileManagerTest, ReadsRegularFilesWholeOrNotAtAll) {
   std::ofstream(root() / "empty");
-  EXPECT_EQ(FileManager::contents(root() / "empty").value(), "");
+  EXPECT_EQ(FileManager::contents(root() / "empty").value().view(), "");
   EXPECT_FALSE(FileManager::contents(root() / "missing"));
   EXPECT_FALSE(FileManager::contents(root()));
   ASSERT_EQ(::mkfifo((root() / "pipe").c_str(), 0600), 0);

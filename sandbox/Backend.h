@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "sandbox/Http.h"
+#include "sandbox/Sandbox.h"
+#include "sandbox/ScenarioSet.h"
+#include "sandbox/StepContract.h"
+#include "sandbox/Store.h"
+
+namespace kestrova::sandbox {
+
+// The verification backend: checks each request against the contract, records it, and answers.
+class Backend final : public HttpHandler {
+ public:
+  using Log = std::function<void(std::string_view line)>;
+
+  // Neither the store nor the scenarios are owned. `log` takes one line a call, one call at a time.
+  Backend(Store& store, ScenarioSet& scenarios, Log log);
+
+  HttpAnswer answer(const HttpRequest& request) override;
+  bool cutsShort(const HttpRequest& soFar, bool complete) override;
+  void refused(const HttpRequest& soFar, int status, std::string_view why) override;
+  void note(std::string_view line) override;
+
+ private:
+  // A request as it will be recorded, with what judging it brought to light.
+  struct Judged {
+    Request request;
+    const StepRule* rule = nullptr;  // nullptr: no step could be made out
+    Fields fields;
+    HttpAnswer refusal;  // where there is no rule
+    std::string_view file;
+  };
+
+  static Judged judge(const HttpRequest& http);
+  static void readFields(const HttpRequest& http, Judged& judged);
+  static void findRule(const HttpRequest& http, Judged& judged);
+
+  HttpAnswer answerStep(Judged&& judged);
+  // Records and logs; the answer, or an error where the store refuses.
+  HttpAnswer finish(Request&& request, const std::optional<Authentication>& opened,
+                    HttpAnswer answer);
+  void log(const Request& request);
+
+  Store& store_;
+  ScenarioSet& scenarios_;
+  Log log_;
+  std::mutex logMutex_;
+  std::mutex orderMutex_;  // what is judged next to each other is recorded in that order
+};
+
+}  // namespace kestrova::sandbox

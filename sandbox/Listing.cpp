@@ -1,0 +1,59 @@
+#include "sandbox/Listing.h"
+
+#include <algorithm>
+
+#include "sandbox/Text.h"
+
+namespace kestrova::sandbox {
+
+namespace {
+
+void append(std::string& out, const Request& request) {
+  out += "  " + request.received + "  ";
+  out += request.step.empty()        ? printable(request.method) + ' ' + printable(request.target)
+         : isKnownStep(request.step) ? request.step
+                                     : printable(request.step);
+  out += request.status != 0 ? "  " + std::to_string(request.status) : "  unanswered";
+  if (!request.fault.empty()) out += "  fault " + request.fault;
+  out += '\n';
+  for (const auto& [name, value] : request.parameters) {
+    out += "    " + printable(name) + " = " + printable(value) + '\n';
+  }
+  if (request.upload) {
+    const auto& file = *request.upload;
+    out += "    file: field " + printable(file.field) + ", name " + printable(file.fileName) +
+           ", type " + printable(file.contentType) + ", " + std::to_string(file.size) +
+           " bytes, sha256 " + file.sha256 + '\n';
+  }
+  for (const auto& deviation : request.deviations) out += "    deviation: " + deviation + '\n';
+}
+
+}  // namespace
+
+std::string listing(const Store& store, const ScenarioSet& scenarios) {
+  std::string out = "Kestrova sandbox\n\nfaults that play:";
+  const auto names = scenarios.names();
+  if (names.empty()) out += " none";
+  for (const auto& name : names) out += ' ' + name;
+  out += "\n";
+
+  // The authentications after the requests: whose opening is in one is in the other.
+  const auto requests = store.requests();
+  for (const auto& authentication : store.authentications()) {
+    out += "\nauthentication " + authentication.key + "\n  opened " + authentication.opened +
+           ", api_key " + printable(authentication.apiKey) + '\n';
+    for (const auto& request : requests) {
+      if (request.authentication == authentication.key) append(out, request);
+    }
+  }
+  const auto stray = [](const Request& request) { return request.authentication.empty(); };
+  if (std::any_of(requests.begin(), requests.end(), stray)) {
+    out += "\nrequests of no authentication\n";
+    for (const auto& request : requests) {
+      if (stray(request)) append(out, request);
+    }
+  }
+  return out;
+}
+
+}  // namespace kestrova::sandbox
