@@ -30,6 +30,10 @@ if(KESTROVA_SANITIZE)
   add_link_options(-fsanitize=${KESTROVA_SANITIZE})
 endif()
 
+if(KESTROVA_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # kestrova_module(NAME SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
 # One static library a folder. Third-party libraries go to PRIVATE_LINKS: their headers are for the
 # folder's own .cpp files.

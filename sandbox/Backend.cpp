@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "sandbox/Answers.h"
-#include "sandbox/MultipartContract.h"
 #include "sandbox/Text.h"
 
 namespace kestrova::sandbox {
@@ -102,7 +101,8 @@ void Backend::readFields(const HttpRequest& http, Judged& judged) {
     judged.fields = readForm(contentType, http.body);
     return;
   }
-  auto form = readMultipart(contentType, http.body);
+  auto& form = judged.form;
+  form = readMultipart(contentType, http.body);
   judged.fields.deviations = std::move(form.deviations);
   if (!form.understood) {
     judged.refusal =
@@ -127,13 +127,10 @@ void Backend::readFields(const HttpRequest& http, Judged& judged) {
               .substr(0, recordedBody);
     }
   }
-  const auto* const step = judged.fields.find("step");
-  const auto* const rule = step != nullptr ? findStep(*step) : nullptr;
-  if (rule != nullptr && rule->file) checkFile(*rule, form, judged.fields.deviations);
 }
 
 void Backend::findRule(const HttpRequest& http, Judged& judged) {
-  auto& [request, rule, fields, refusal, file] = judged;
+  auto& [request, rule, fields, form, file, refusal] = judged;
   if (http.path() == assessmentsPath) {
     request.step = "authentication_assessments";
   } else if (const auto* const step = fields.find("step")) {
@@ -156,10 +153,11 @@ void Backend::findRule(const HttpRequest& http, Judged& judged) {
                                 ", came to " + std::string(http.path()));
   }
   checkFields(*rule, fields);
+  if (rule->file && http.path() == uploadsPath) checkFile(*rule, form, fields.deviations);
 }
 
 HttpAnswer Backend::answerStep(Judged&& judged) {
-  auto& [request, rule, fields, refusal, file] = judged;
+  auto& [request, rule, fields, form, file, refusal] = judged;
   const std::lock_guard lock(orderMutex_);
   std::string documentType;
   StepResult result;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "sandbox/Http.h"
+#include "sandbox/MultipartContract.h"
 #include "sandbox/Sandbox.h"
 #include "sandbox/ScenarioSet.h"
 #include "sandbox/StepContract.h"
@@ -33,8 +34,9 @@ class Backend final : public HttpHandler {
     Request request;
     const StepRule* rule = nullptr;  // nullptr: no step could be made out
     Fields fields;
-    HttpAnswer refusal;  // where there is no rule
-    std::string_view file;
+    Multipart form;         // of an upload
+    std::string_view file;  // the bytes of request.upload
+    HttpAnswer refusal;     // where there is no rule
   };
 
   static Judged judge(const HttpRequest& http);

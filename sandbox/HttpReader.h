@@ -34,9 +34,6 @@ class HttpReader {
   Result next(const std::function<bool(const HttpRequest&, bool complete)>& cutsShort);
 
  private:
-  // Reads more behind what is buffered; false at the connection's end.
-  bool fill();
-
   Connection& connection_;
   std::size_t headBytes_;
   std::size_t bodyBytes_;

@@ -31,9 +31,9 @@ enum class Fault {
 // A fault to play, for one step or for all.
 struct Scenario {
   Fault fault = Fault::statusObject;
-  int status = 500;   // of statusObject and statusText: 200 to 599, but for 204, 205 and 304
-  std::string step;   // as on the wire, "authentication_assessments" for those; empty: all
-  bool once = false;  // gone after the first request that it met
+  int status = 500;    // of statusObject and statusText: 200 to 599, but for 204, 205 and 304
+  std::string step{};  // as on the wire, "authentication_assessments" for those; empty: all
+  bool once = false;   // gone after the first request that it met
 };
 
 // Faults of the whole listener know neither step nor once.

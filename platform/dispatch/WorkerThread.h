@@ -16,6 +16,8 @@ class WorkerThread {
   WorkerThread(const char* name, DispatchBlock body);
   WorkerThread(WorkerThread&&) = default;
   WorkerThread& operator=(WorkerThread&&) = default;
+  WorkerThread(const WorkerThread&) = delete;
+  WorkerThread& operator=(const WorkerThread&) = delete;
   ~WorkerThread() { join(); }
 
   explicit operator bool() const { return thread_.joinable(); }

@@ -50,7 +50,7 @@ Result<RegularFile> openRegular(const fs::path& path) {
 // Reads no further than one byte behind the announced size: there must be none.
 Result<Done> readBlocks(const RegularFile& file, const fs::path& path,
                         const FileManager::Sink& sink) {
-  constexpr std::size_t blockSize = 256 * 1024;
+  constexpr std::size_t blockSize = std::size_t{256} * 1024;
   Data block(blockSize);
   for (std::size_t size = 0;;) {
     const auto count =

@@ -85,7 +85,9 @@ void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& config
     curl_easy_setopt(handle, CURLOPT_CONNECT_TO, connectTo_.get());
   }
 
-  for (const auto& [name, value] : request_.headers) append(headers_, name + ": " + value);
+  for (const auto& [name, value] : request_.headers) {
+    append(headers_, std::string(name).append(": ").append(value));
+  }
   // Waiting for a server's leave to send costs a second where it never gives one.
   append(headers_, "Expect:");
   curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());

@@ -138,36 +138,36 @@ void API::sendLivenessScore(std::string_view apiKey, std::string_view authentica
       std::move(completionHandler));
 }
 
-void API::recordFaceVideo(std::filesystem::path url, std::string_view apiKey,
+void API::recordFaceVideo(const std::filesystem::path& url, std::string_view apiKey,
                           std::string_view authentication_key,
                           StepCompletionHandler completionHandler) {
-  uploadDataFromURL(std::move(url),
-                    uploadParameters(apiKey, authentication_key, "record_face_video"), "video",
+  uploadDataFromURL(url, uploadParameters(apiKey, authentication_key, "record_face_video"), "video",
                     "video.mov", "video/quicktime", std::move(completionHandler));
 }
 
-void API::recordAuthenticationDocumentPicFRONT(std::filesystem::path url, std::string_view apiKey,
+void API::recordAuthenticationDocumentPicFRONT(const std::filesystem::path& url,
+                                               std::string_view apiKey,
                                                std::string_view authentication_key,
                                                StepCompletionHandler completionHandler) {
   uploadDataFromURL(
-      std::move(url),
-      uploadParameters(apiKey, authentication_key, "record_authentication_document_video"),
+      url, uploadParameters(apiKey, authentication_key, "record_authentication_document_video"),
       "picture", "picture.png", "image/png", std::move(completionHandler));
 }
 
-void API::recordAuthenticationDocumentPicBACK(std::filesystem::path url, std::string_view apiKey,
+void API::recordAuthenticationDocumentPicBACK(const std::filesystem::path& url,
+                                              std::string_view apiKey,
                                               std::string_view authentication_key,
                                               StepCompletionHandler completionHandler) {
   uploadDataFromURL(
-      std::move(url),
+      url,
       uploadParameters(apiKey, authentication_key, "record_authentication_document_video_back"),
       "picture", "picture.png", "image/png", std::move(completionHandler));
 }
 
-void API::uploadDataFromURL(std::filesystem::path url,
-                            std::vector<std::pair<std::string, std::string>> parameters,
-                            std::string name, std::string fileName, std::string mime_type,
-                            StepCompletionHandler onCompletion) {
+void API::uploadDataFromURL(const std::filesystem::path& url,
+                            const std::vector<std::pair<std::string, std::string>>& parameters,
+                            const std::string& name, const std::string& fileName,
+                            const std::string& mime_type, StepCompletionHandler onCompletion) {
   std::string target = "https://";
   target.append(host).append("/").append(endpoint);
   BackendTransport::current()->upload(

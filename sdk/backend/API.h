@@ -59,14 +59,14 @@ class API {
 
   // The uploads. `url` is a local file, read on the transport's encoding queue; a file that cannot
   // be read leaves a form without a file part.
-  static void recordFaceVideo(std::filesystem::path url, std::string_view apiKey,
+  static void recordFaceVideo(const std::filesystem::path& url, std::string_view apiKey,
                               std::string_view authentication_key,
                               StepCompletionHandler completionHandler);
-  static void recordAuthenticationDocumentPicFRONT(std::filesystem::path url,
+  static void recordAuthenticationDocumentPicFRONT(const std::filesystem::path& url,
                                                    std::string_view apiKey,
                                                    std::string_view authentication_key,
                                                    StepCompletionHandler completionHandler);
-  static void recordAuthenticationDocumentPicBACK(std::filesystem::path url,
+  static void recordAuthenticationDocumentPicBACK(const std::filesystem::path& url,
                                                   std::string_view apiKey,
                                                   std::string_view authentication_key,
                                                   StepCompletionHandler completionHandler);
@@ -78,10 +78,10 @@ class API {
 
   static void post(std::string_view path, const JSONDictionary& params,
                    StepCompletionHandler completionHandler);
-  static void uploadDataFromURL(std::filesystem::path url,
-                                std::vector<std::pair<std::string, std::string>> parameters,
-                                std::string name, std::string fileName, std::string mime_type,
-                                StepCompletionHandler onCompletion);
+  static void uploadDataFromURL(const std::filesystem::path& url,
+                                const std::vector<std::pair<std::string, std::string>>& parameters,
+                                const std::string& name, const std::string& fileName,
+                                const std::string& mime_type, StepCompletionHandler onCompletion);
 };
 
 }  // namespace kestrova

@@ -2,8 +2,6 @@
 
 namespace kestrova {
 
-KestrovaError::~KestrovaError() = default;
-
 std::string KestrovaError::domain() const {
   return "Kestrova.KestrovaErrors";
 }

@@ -20,7 +20,6 @@ enum class KestrovaErrors {
 class KESTROVA_EXPORT KestrovaError : public std::exception {
  public:
   explicit KestrovaError(KestrovaErrors error) : error_(error) {}
-  ~KestrovaError() override;
 
   KestrovaErrors error() const noexcept { return error_; }
   // "Kestrova.KestrovaErrors"

@@ -94,7 +94,7 @@ TEST_F(APITest, TheGenericPostersSendTheParametersAndNothingElse) {
 TEST_F(APITest, UploadsAreFormsThatTheBackendTakesWithoutADeviation) {
   const auto key = open();
   struct Case {
-    void (*start)(std::filesystem::path, std::string_view, std::string_view,
+    void (*start)(const std::filesystem::path&, std::string_view, std::string_view,
                   API::StepCompletionHandler);
     std::string step;
     std::string localName;
