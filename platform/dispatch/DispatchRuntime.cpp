@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <new>
 
+#include <unistd.h>
+
 namespace kestrova::platform {
 
 DispatchRuntime& DispatchRuntime::shared() {
@@ -20,6 +22,8 @@ DispatchRuntime& DispatchRuntime::shared() {
 }
 
 void DispatchRuntime::stop() {
+  // A forked child has none of the threads, and its copies of their locks may be held for ever.
+  if (getpid() != process_) return;
   // Running blocks may wait for the main thread, which is here, or for blocks that are dropped.
   // Those are released before anything is joined, and only once no further block can begin.
   for (auto& pool : pools_) pool.close();

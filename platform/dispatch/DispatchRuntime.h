@@ -3,6 +3,8 @@
 #include <array>
 #include <memory>
 
+#include <unistd.h>
+
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/dispatch/TimerThread.h"
@@ -23,6 +25,7 @@ class DispatchRuntime {
   void stop();
 
  private:
+  const pid_t process_ = getpid();
   std::shared_ptr<MainQueue> mainQueue_ = std::make_shared<MainQueue>();
   // Niceness by quality of service.
   std::array<WorkerPool, 4> pools_{WorkerPool(0), WorkerPool(0), WorkerPool(4), WorkerPool(10)};

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -98,9 +99,10 @@ TEST_F(Multipart, EachDeviationIsFoundAndTheFormAnsweredAllTheSame) {
   for (const auto& [body, contentType, deviation] : cases) {
     EXPECT_EQ(send(body, contentType).status, 200) << deviation;
     const auto& found = last().deviations;
-    EXPECT_TRUE(std::any_of(
-        found.begin(), found.end(),
-        [&](const std::string& one) { return one.find(deviation) != std::string::npos; }))
+    EXPECT_TRUE(std::any_of(found.begin(), found.end(),
+                            [&wanted = deviation](const std::string& one) {
+                              return one.find(wanted) != std::string::npos;
+                            }))
         << deviation << " not in " << testing::PrintToString(found);
     EXPECT_LE(found.size(), 2U) << testing::PrintToString(found);
   }

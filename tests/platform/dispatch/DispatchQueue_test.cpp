@@ -163,7 +163,8 @@ const pid_t kTestProcess = getpid();
 }  // namespace kestrova::platform
 
 // In the child the stacks of the parent's threads are gone, and with them what holds their memory.
-extern "C" int __lsan_is_turned_off() {
+// Exported, as the sanitizer looks for it from its own library.
+extern "C" __attribute__((visibility("default"))) int __lsan_is_turned_off() {
   return getpid() != kestrova::platform::kTestProcess;
 }
 
