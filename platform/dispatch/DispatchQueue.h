@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -10,7 +11,8 @@ namespace kestrova::platform {
 enum class DispatchQoS { userInteractive, userInitiated, utility, background };
 
 // Where blocks wait to be run. A value: copies name the same queue. All members may be called from
-// any thread. A block must not throw.
+// any thread; they do not throw, and drop their block where the system has no thread to give. A
+// block must not throw.
 class DispatchQueue {
  public:
   // What stands behind a queue.
@@ -37,9 +39,10 @@ class DispatchQueue {
 
   void async(DispatchBlock block) const { target_->async(std::move(block)); }
 
-  // Runs the block on the queue no earlier than `delay` from now.
+  // Runs the block on the queue no earlier than `delay` (or a year) from now.
   void asyncAfter(std::chrono::nanoseconds delay, DispatchBlock block) const {
-    target_->asyncAfter(DispatchClock::now() + delay, std::move(block));
+    const auto soon = std::min<std::chrono::nanoseconds>(delay, kLongestDelay);
+    target_->asyncAfter(DispatchClock::now() + soon, std::move(block));
   }
 
   // Runs the block on the queue and waits for its end. From a block of the same queue, and for the
@@ -50,6 +53,8 @@ class DispatchQueue {
  private:
   DispatchQueue(std::string label, std::shared_ptr<Target> target)
       : label_(std::move(label)), target_(std::move(target)) {}
+
+  static constexpr std::chrono::hours kLongestDelay{24 * 365};
 
   std::string label_;
   std::shared_ptr<Target> target_;

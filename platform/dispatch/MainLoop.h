@@ -9,7 +9,9 @@ namespace kestrova::platform {
 // The hook by which a main loop (an interface toolkit's, or RunLoop) drains the main queue.
 struct MainLoop {
   // The calling thread becomes the main thread. `wake` is called from any thread each time there is
-  // something to drain; it must make the loop call drain() on the main thread soon.
+  // something to drain; it must make the loop call drain() on the main thread soon. A call may
+  // still be under way on another thread when detach() or another attach() returns, so `wake` owns
+  // what it touches.
   static void attach(DispatchBlock wake);
   // The loop has ended: sync calls to the main queue return without running their block, until a
   // loop is attached again. Other blocks stay for that loop.

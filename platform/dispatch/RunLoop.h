@@ -14,9 +14,9 @@ class RunLoop {
   // Makes the calling thread the main thread and runs until stop(), at once if that was called
   // before. Afterwards sync calls to the main queue return without running their block.
   static void run();
-  // Main thread, also nested in a block of the main queue. Runs until `condition`, which is
-  // tested between blocks and every 10 ms, holds (true) or `deadline` has passed (false). The main
-  // queue stays open.
+  // Main thread, also nested in a block of the main queue. Runs until `condition`, which is tested
+  // between blocks and every 10 ms, holds (true) or `deadline` has passed (false). Whether sync
+  // calls are taken stays as it was.
   [[nodiscard]] static bool runUntil(const std::function<bool()>& condition,
                                      DispatchClock::time_point deadline);
   // Ends run(). Any thread.

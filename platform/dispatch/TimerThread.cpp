@@ -8,7 +8,7 @@ void TimerThread::schedule(DispatchClock::time_point due, DispatchBlock block) {
   const std::lock_guard lock(mutex_);
   if (stopped_) return;
   blocks_.emplace(due, std::move(block));
-  if (!thread_) thread_ = WorkerThread("kestrova-timer", [this] { work(); });
+  if (!thread_) thread_ = WorkerThread::start("kestrova-timer", [this] { work(); });
   changed_.notify_one();
 }
 
@@ -30,9 +30,11 @@ void TimerThread::work() {
 
 void TimerThread::stop() {
   {
+    // Declared first: dropped outside the lock, which their destructors may want.
+    decltype(blocks_) dropped;
     const std::lock_guard lock(mutex_);
     stopped_ = true;
-    blocks_.clear();
+    dropped.swap(blocks_);
   }
   changed_.notify_one();
   thread_.join();

@@ -10,10 +10,14 @@ namespace kestrova::platform {
 void WorkerPool::submit(DispatchBlock block) {
   const std::lock_guard lock(mutex_);
   if (closed_) return;
-  blocks_.push_back(std::move(block));
-  if (blocks_.size() > idle_ && threads_.size() < kMaximumThreads) {
-    threads_.emplace_back("kestrova-worker", [this] { work(); });
+  if (blocks_.size() >= idle_ && threads_.size() < kMaximumThreads) {
+    if (auto thread = WorkerThread::start("kestrova-worker", [this] { work(); })) {
+      threads_.push_back(std::move(thread));
+    } else if (threads_.empty()) {
+      return;
+    }
   }
+  blocks_.push_back(std::move(block));
   arrived_.notify_one();
 }
 

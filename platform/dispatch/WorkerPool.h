@@ -23,7 +23,7 @@ class WorkerPool {
     join();
   }
 
-  // Drops the block once closed.
+  // Drops the block once closed, and where the system has not even one thread to give.
   void submit(DispatchBlock block);
   // Drops the blocks that have not begun, and all that come later.
   void close();

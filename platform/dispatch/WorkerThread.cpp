@@ -1,6 +1,7 @@
 #include "platform/dispatch/WorkerThread.h"
 
 #include <csignal>
+#include <system_error>
 #include <utility>
 
 #include <pthread.h>
@@ -27,10 +28,17 @@ class AllSignalsBlocked {
 
 }  // namespace
 
-WorkerThread::WorkerThread(const char* name, DispatchBlock body) : process_(getpid()) {
+WorkerThread WorkerThread::start(const char* name, DispatchBlock body) {
   const AllSignalsBlocked inherited;
-  thread_ = std::thread(std::move(body));
-  pthread_setname_np(thread_.native_handle(), name);
+  WorkerThread started;
+  started.process_ = getpid();
+  try {
+    started.thread_ = std::thread(std::move(body));
+    pthread_setname_np(started.thread_.native_handle(), name);
+  } catch (const std::system_error&) {
+    return {};
+  }
+  return started;
 }
 
 void WorkerThread::join() {

@@ -13,7 +13,8 @@ namespace kestrova::platform {
 class WorkerThread {
  public:
   WorkerThread() = default;
-  WorkerThread(const char* name, DispatchBlock body);
+  // Empty where the system has no thread to give.
+  static WorkerThread start(const char* name, DispatchBlock body);
   WorkerThread(WorkerThread&&) = default;
   WorkerThread& operator=(WorkerThread&&) = default;
   WorkerThread(const WorkerThread&) = delete;

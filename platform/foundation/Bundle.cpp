@@ -1,10 +1,10 @@
 #include "platform/foundation/Bundle.h"
 
+#include <charconv>
+#include <cstdint>
+#include <fstream>
 #include <string>
 #include <utility>
-
-#include <dlfcn.h>
-#include <link.h>
 
 namespace kestrova::platform {
 
@@ -12,18 +12,22 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The file that the loader mapped at `address`.
+// The file that is mapped at `address`. Asked of the kernel: the loader knows a library only by the
+// name it was opened by, which may be relative to a folder that is no longer the current one.
 fs::path imageFile(const void* address) {
-  Dl_info info{};
-  void* map = nullptr;
-  std::error_code error;
-  if (dladdr1(address, &info, &map, RTLD_DL_LINKMAP) != 0) {
-    // The main program's entry has no name, and dli_fname is only what it was started as.
-    const auto* const name = static_cast<const link_map*>(map)->l_name;
-    if (name && *name) {
-      if (auto file = fs::canonical(name, error); !error) return file;
-    }
+  const auto wanted = reinterpret_cast<std::uintptr_t>(address);
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    std::uintptr_t begin = 0;
+    std::uintptr_t end = 0;
+    const char* const stop = line.data() + line.size();
+    const auto first = std::from_chars(line.data(), stop, begin, 16);
+    if (first.ptr == stop) continue;
+    std::from_chars(first.ptr + 1, stop, end, 16);
+    const auto path = line.find('/');
+    if (wanted >= begin && wanted < end && path != std::string::npos) return line.substr(path);
   }
+  std::error_code error;
   return fs::read_symlink("/proc/self/exe", error);
 }
 

@@ -19,8 +19,11 @@ std::function<void(const std::string&)>& currentSink() {
 
 void NSLog(std::string_view message) {
   const std::string text(message);
-  const std::lock_guard lock(sinkMutex);
-  if (const auto& sink = currentSink()) {
+  const auto sink = [] {
+    const std::lock_guard lock(sinkMutex);
+    return currentSink();
+  }();
+  if (sink) {
     sink(text);
   } else {
     syslog(LOG_USER | LOG_ERR, "%s", text.c_str());

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 
 namespace kestrova::platform {
 
@@ -13,8 +14,11 @@ std::optional<std::string> ProcessInfo::environment(const std::string& name) {
 
 std::string ProcessInfo::processName() {
   std::error_code error;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? "application" : program.filename().string();
+  auto name = std::filesystem::read_symlink("/proc/self/exe", error).filename().string();
+  // What the system adds once the file was replaced, as by an upgrade.
+  constexpr std::string_view deleted = " (deleted)";
+  if (name.ends_with(deleted)) name.resize(name.size() - deleted.size());
+  return name.empty() ? "application" : name;
 }
 
 }  // namespace kestrova::platform

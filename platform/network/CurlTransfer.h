@@ -54,7 +54,6 @@ class CurlTransfer {
 
   HTTPRequest request_;
   HTTPTransport::Completion completion_;
-  CurlEasy handle_;
   CurlList headers_;
   CurlList connectTo_;
   std::string answer_;
@@ -65,6 +64,8 @@ class CurlTransfer {
   std::int64_t moved_ = 0;
   DispatchClock::duration idleTimeout_{};
   DispatchClock::time_point lastProgress_;
+  // Last, so that it ends before what it refers to.
+  CurlEasy handle_;
 };
 
 }  // namespace kestrova::platform

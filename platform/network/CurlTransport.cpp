@@ -35,8 +35,10 @@ CurlTransport::CurlTransport(HTTPTransportConfiguration configuration)
       configuration_(std::move(configuration)),
       process_(getpid()),
       multi_(makeMulti()) {
-  curl_multi_setopt(multi_.get(), CURLMOPT_MAX_TOTAL_CONNECTIONS,
-                    static_cast<long>(kMaximumConnections));
+  if (multi_) {
+    curl_multi_setopt(multi_.get(), CURLMOPT_MAX_TOTAL_CONNECTIONS,
+                      static_cast<long>(kMaximumConnections));
+  }
   // Made first, the queues are there until this object is gone at process end.
   static_cast<void>(DispatchQueue::main());
 }
@@ -50,7 +52,7 @@ CurlTransport::~CurlTransport() {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
   }
-  curl_multi_wakeup(multi_.get());
+  if (thread_) curl_multi_wakeup(multi_.get());
   thread_.join();
   for (const auto& transfer : active_) curl_multi_remove_handle(multi_.get(), transfer->handle());
 }
@@ -70,8 +72,12 @@ void CurlTransport::send(HTTPRequest request, Completion completion) {
   }
   {
     const std::lock_guard lock(mutex_);
-    arrived_.push_back(std::move(transfer));
-    if (!thread_) thread_ = WorkerThread("kestrova-http", [this] { run(); });
+    if (!thread_ && multi_) thread_ = WorkerThread::start("kestrova-http", [this] { run(); });
+    if (thread_) arrived_.push_back(std::move(transfer));
+  }
+  if (transfer) {
+    transfer->fail(unavailable("The system has no thread for the transport."));
+    return;
   }
   curl_multi_wakeup(multi_.get());
 }

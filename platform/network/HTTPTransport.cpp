@@ -24,10 +24,14 @@ std::shared_ptr<HTTPTransport> HTTPTransport::make(HTTPTransportConfiguration co
 }
 
 void HTTPTransport::sendForJSON(HTTPRequest request, AnswerHandler handler) {
-  send(std::move(request), [handler = std::move(handler)](const Result<HTTPResponse>& response) {
-    DispatchQueue::main().async(
-        [handler, answer = decode(response)]() mutable { handler(std::move(answer)); });
-  });
+  // Moved on, not copied: what the handler holds must be let go of on the main thread.
+  send(std::move(request),
+       [handler = std::move(handler)](const Result<HTTPResponse>& response) mutable {
+         DispatchQueue::main().async(
+             [handler = std::move(handler), answer = decode(response)]() mutable {
+               handler(std::move(answer));
+             });
+       });
 }
 
 void HTTPTransport::upload(std::string url, HTTPHeaders headers,
@@ -38,23 +42,22 @@ void HTTPTransport::upload(std::string url, HTTPHeaders headers,
                         headers = std::move(headers), build = std::move(build),
                         encodingFailed = std::move(encodingFailed),
                         handler = std::move(handler)]() mutable {
+    MultipartFormData form;
+    build(form);
+    auto encoded = form.encode(self->temporaryDirectory_);
+    if (!encoded) {
+      DispatchQueue::main().async([encodingFailed = std::move(encodingFailed),
+                                   handler = std::move(handler),
+                                   error = encoded.error()] { encodingFailed(error); });
+      return;
+    }
     HTTPRequest request;
     request.url = std::move(url);
     request.headers = std::move(headers);
-    {
-      MultipartFormData form;
-      build(form);
-      auto encoded = form.encode(self->temporaryDirectory_);
-      if (!encoded) {
-        DispatchQueue::main().async(
-            [encodingFailed, error = encoded.error()] { encodingFailed(error); });
-        return;
-      }
-      request.bodyFile = std::move(encoded).value();
-      std::erase_if(request.headers,
-                    [](const auto& header) { return lowercased(header.first) == "content-type"; });
-      request.headers.emplace_back("Content-Type", form.contentType());
-    }
+    std::erase_if(request.headers,
+                  [](const auto& header) { return lowercased(header.first) == "content-type"; });
+    request.headers.emplace_back("Content-Type", form.contentType());
+    request.bodyFile = std::move(encoded).value();
     self->sendForJSON(std::move(request), std::move(handler));
   });
 }

@@ -41,7 +41,8 @@ struct HTTPTransportConfiguration {
   std::string userAgent;
   // PEM file of the authorities to trust; empty for the system's store.
   std::filesystem::path trustedAuthorities;
-  // How long a request may go without progress: a connection, a header line, or a byte of a body.
+  // How long a request may go without a header line or a byte of a body, the connection's set-up
+  // included.
   std::chrono::milliseconds idleTimeout = std::chrono::seconds(60);
   // A longer answer (after decompression) is an error. Bytes.
   std::size_t maximumAnswer = std::size_t{16} * 1024 * 1024;
@@ -55,7 +56,7 @@ struct HTTPTransportConfiguration {
 
 // Sends requests to HTTPS servers. Shared by all who send; any thread may call. Whoever drops the
 // last reference waits for the transport's thread to end (milliseconds); requests that are under
-// way then end without their handler.
+// way then end without their handler, which is destroyed on that thread.
 class HTTPTransport : public std::enable_shared_from_this<HTTPTransport> {
  public:
   using Completion = std::function<void(Result<HTTPResponse>)>;
@@ -70,7 +71,8 @@ class HTTPTransport : public std::enable_shared_from_this<HTTPTransport> {
   virtual ~HTTPTransport() = default;
 
   // Starts a request. `completion` is called once, on the transport's own thread, where it must not
-  // block; an answer of any status is a response. In a forked child every request fails.
+  // block; an answer of any status is a response. In a forked child it fails at once; uploads have
+  // no thread to encode them there.
   virtual void send(HTTPRequest request, Completion completion) = 0;
 
   // Sends a request and decodes its answer as JSON, fragments allowed, on the transport's thread.

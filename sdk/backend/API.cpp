@@ -42,12 +42,14 @@ std::vector<std::pair<std::string, std::string>> uploadParameters(
 
 void API::post(std::string_view path, const JSONDictionary& params,
                StepCompletionHandler completionHandler) {
+  const auto transport = BackendTransport::current();
+  if (!transport) return;
   HTTPRequest request;
   request.url.append("https://").append(host).append(path);
   request.headers = {{"Content-Type", "application/x-www-form-urlencoded; charset=utf-8"}};
   request.body = formEncoded(params);
-  BackendTransport::current()->sendForJSON(
-      std::move(request), answerHandler("Could not parse", std::move(completionHandler)));
+  transport->sendForJSON(std::move(request),
+                         answerHandler("Could not parse", std::move(completionHandler)));
 }
 
 void API::createAuthentication(std::string_view apiKey, StepCompletionHandler completionHandler) {
@@ -168,9 +170,11 @@ void API::uploadDataFromURL(const std::filesystem::path& url,
                             const std::vector<std::pair<std::string, std::string>>& parameters,
                             const std::string& name, const std::string& fileName,
                             const std::string& mime_type, StepCompletionHandler onCompletion) {
+  const auto transport = BackendTransport::current();
+  if (!transport) return;
   std::string target = "https://";
   target.append(host).append("/").append(endpoint);
-  BackendTransport::current()->upload(
+  transport->upload(
       std::move(target), {{"Content-type", "multipart/form-data"}},
       [=](MultipartFormData& form) {
         for (const auto& [key, value] : parameters) form.append(value, key);

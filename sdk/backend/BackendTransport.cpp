@@ -1,20 +1,65 @@
 #include "sdk/backend/BackendTransport.h"
 
+#include <cstddef>
 #include <mutex>
+#include <new>
 #include <utility>
 
+#include "platform/dispatch/DispatchQueue.h"
 #include "platform/foundation/FileManager.h"
 
 namespace kestrova {
 
 namespace {
 
-std::mutex transportMutex;
+// The transport in use. Its memory is never freed, as background blocks may still ask for it while
+// the process ends; then there is none any more.
+class Slot {
+ public:
+  static Slot& shared() {
+    struct Keeper {
+      Keeper() {
+        // The queues first, so that they end last.
+        static_cast<void>(DispatchQueue::main());
+        slot = new (memory) Slot;
+      }
+      Keeper(const Keeper&) = delete;
+      Keeper& operator=(const Keeper&) = delete;
+      ~Keeper() { slot->close(); }
 
-std::shared_ptr<HTTPTransport>& sharedTransport() {
-  static auto transport = HTTPTransport::make(BackendTransport::defaultConfiguration());
-  return transport;
-}
+      alignas(Slot) std::byte memory[sizeof(Slot)];
+      Slot* slot;
+    };
+    static Keeper keeper;
+    return *keeper.slot;
+  }
+
+  std::shared_ptr<HTTPTransport> current() {
+    const std::lock_guard lock(mutex_);
+    if (!transport_ && !closed_) {
+      transport_ = HTTPTransport::make(BackendTransport::defaultConfiguration());
+    }
+    return transport_;
+  }
+
+  void replace(std::shared_ptr<HTTPTransport> transport) {
+    // Swapped out, the old one ends outside the lock: its end waits for its thread.
+    const std::lock_guard lock(mutex_);
+    if (!closed_) transport_.swap(transport);
+  }
+
+ private:
+  void close() {
+    std::shared_ptr<HTTPTransport> ended;
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+    ended.swap(transport_);
+  }
+
+  std::mutex mutex_;
+  std::shared_ptr<HTTPTransport> transport_;
+  bool closed_ = false;
+};
 
 }  // namespace
 
@@ -26,16 +71,11 @@ HTTPTransportConfiguration BackendTransport::defaultConfiguration() {
 }
 
 std::shared_ptr<HTTPTransport> BackendTransport::current() {
-  const std::lock_guard lock(transportMutex);
-  return sharedTransport();
+  return Slot::shared().current();
 }
 
 void BackendTransport::replace(std::shared_ptr<HTTPTransport> transport) {
-  {
-    const std::lock_guard lock(transportMutex);
-    sharedTransport().swap(transport);
-  }
-  // The old transport ends here, outside the lock: its end waits for its thread.
+  Slot::shared().replace(std::move(transport));
 }
 
 }  // namespace kestrova

@@ -66,8 +66,11 @@ TEST(Bundle, OfALibraryIsFoundInAMovedTree) {
     fs::create_directories(made / resources / "Kestrova.bundle");
     fs::copy_file(library, made / inTree / "libkestrova.so");
     fs::rename(made, moved);
-    void* const handle =
-        ::dlopen((moved / inTree / "libkestrova.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    // By a relative name, and then from another folder.
+    const auto before = fs::current_path();
+    fs::current_path(moved / inTree);
+    void* const handle = ::dlopen("./libkestrova.so", RTLD_NOW | RTLD_LOCAL);
+    fs::current_path(before);
     ASSERT_NE(handle, nullptr) << ::dlerror();  // NOLINT(concurrency-mt-unsafe)
     const void* const symbol = ::dlsym(handle,
                                        "_ZN8kestrova8Kestrova10initializeENSt7__cxx1112basi"

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include <fcntl.h>
+#include <netinet/in.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 
 #include "platform/foundation/FileManager.h"
 #include "tests/support/BackendTest.h"
@@ -41,7 +44,6 @@ TEST_F(APITest, CreateAuthenticationPostsTheKeyAndHandsTheAnswerOn) {
       request.head.find("\r\nContent-Type: application/x-www-form-urlencoded; charset=utf-8\r\n"),
       std::string::npos);
   EXPECT_NE(request.head.find("\r\nUser-Agent: Kestrova/"), std::string::npos);
-  EXPECT_EQ(request.head.find("Expect"), std::string::npos);
   EXPECT_TRUE(request.deviations.empty());
   ASSERT_NE(textForKey(answers[0], "key"), nullptr);
   EXPECT_EQ(output.lines(), std::vector{"JSON: " + description(answers[0])});
@@ -267,6 +269,53 @@ TEST_F(APITest, FailuresAndUploadsLeakNoDescriptor) {
   EXPECT_TRUE(std::filesystem::is_empty(directory.path() / "uploads"));
 }
 
+TEST_F(APITest, WhatAHandlerHoldsIsLetGoOfOnTheMainThread) {
+  int ended = 0;
+  const auto start = [&] {
+    const std::shared_ptr<void> held(nullptr, [&ended](void*) {
+      EXPECT_TRUE(isMainThread());
+      ++ended;
+    });
+    API::createAuthentication("K", [held](const JSONDictionary&) {});
+    API::recordFaceVideo("/nowhere", "K", "A", [held](const JSONDictionary&) {});
+  };
+  for (int i = 0; i < 50; ++i) start();
+  EXPECT_TRUE(waitUntil([&] { return ended == 50; }));
+  configuration.temporaryDirectory = directory.path() / "missing";
+  useTransport();
+  start();
+  EXPECT_TRUE(waitUntil([&] { return ended == 51; }));
+}
+
+TEST_F(APITest, ALargeUploadDoesNotAskForLeaveToSend) {
+  const auto movie = makeFile("movie.mov", std::string(kMovie) + std::string(3 << 20, 'x'));
+  API::recordFaceVideo(movie, "K", "A", collect());
+  ASSERT_TRUE(waitForAnswers(1));
+  EXPECT_EQ(lastRequest().head.find("Expect"), std::string::npos);
+  EXPECT_EQ(lastRequest().upload->size, std::filesystem::file_size(movie));
+}
+
+TEST_F(APITest, SocketsAreNotInheritedByProgramsOfTheHost) {
+  API::createAuthentication("K", collect());
+  ASSERT_TRUE(waitForAnswers(1));
+  int connections = 0;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code error;
+    const auto target = std::filesystem::read_symlink(entry.path(), error).string();
+    sockaddr_in peer{};
+    socklen_t size = sizeof peer;
+    const int descriptor = std::stoi(entry.path().filename());
+    if (error || !target.starts_with("socket:") ||
+        ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) != 0 ||
+        ntohs(peer.sin_port) != server->port()) {
+      continue;
+    }
+    EXPECT_TRUE(::fcntl(descriptor, F_GETFD) & FD_CLOEXEC);
+    ++connections;
+  }
+  EXPECT_EQ(connections, 1);
+}
+
 TEST_F(APITest, AProcessCanEndWithRequestsInFlight) {
   play("never-answers");
   const auto program =
@@ -275,6 +324,14 @@ TEST_F(APITest, AProcessCanEndWithRequestsInFlight) {
                               configuration.trustedAuthorities.string();
   EXPECT_EQ(std::system(command.c_str()), 0);  // NOLINT
   EXPECT_GE(server->requests().size(), 1U);
+}
+
+TEST_F(APITest, TheDefaultsOfTheBuildReachASandboxOnThisMachine) {
+  const auto defaults = BackendTransport::defaultConfiguration();
+  EXPECT_EQ(defaults.trustedAuthorities, sandbox::defaultStore() / "authority.pem");
+  EXPECT_TRUE(defaults.honoursProxy);
+  EXPECT_EQ(sandbox::Options().port, 8443);
+  EXPECT_STREQ(KESTROVA_BACKEND_HOST, "localhost:8443");
 }
 
 }  // namespace

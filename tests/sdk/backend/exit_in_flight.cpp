@@ -1,10 +1,11 @@
-// A process that ends while requests wait for their answers: it must end by itself, in order.
+// A process that ends while requests wait for their answers, and while a background block still
+// posts: it must end by itself, in order.
 // usage: exit_in_flight CONNECT_TO AUTHORITY
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <thread>
 
+#include "platform/dispatch/DispatchQueue.h"
 #include "platform/dispatch/RunLoop.h"
 #include "sdk/backend/API.h"
 #include "sdk/backend/BackendTransport.h"
@@ -21,6 +22,13 @@ int main(int argc, char** argv) {
     API::createAuthentication("K", [](const JSONDictionary&) { std::abort(); });
     API::recordFaceVideo("/proc/self/exe", "K", "A", [](const JSONDictionary&) { std::abort(); });
   }
+  // Still running when the statics are destroyed: it asks again and again until nobody answers.
+  DispatchQueue::global(DispatchQoS::background).async([] {
+    while (BackendTransport::current()) {
+      API::checkFaceVideo("K", "A", [](const JSONDictionary&) { std::abort(); });
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
   // Long enough for some to be under way.
   const auto soon = DispatchClock::now() + std::chrono::milliseconds(300);
   return RunLoop::runUntil([] { return false; }, soon) ? 1 : 0;

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "platform/foundation/Result.h"
+
+namespace kestrova::platform {
+
+// Reads the records of a GIF file in order, without composing.
+class GIFReader {
+ public:
+  enum class Disposal { leave, background, previous };
+
+  struct Frame {
+    // On the screen; may reach beyond it.
+    std::size_t left = 0;
+    std::size_t top = 0;
+    std::size_t width = 0;
+    std::size_t height = 0;
+    bool isInterlaced = false;
+    // Of the graphic control block, if there is one.
+    Disposal disposal = Disposal::leave;
+    std::optional<unsigned> transparentColor;
+    // In hundredths of a second.
+    std::optional<unsigned> delay;
+  };
+
+  // 0xAARRGGBB, opaque; black beyond the colours that the file gives.
+  using Palette = std::array<std::uint32_t, 256>;
+
+  static Result<GIFReader> open(std::string_view data);
+  GIFReader(GIFReader&&) noexcept;
+  GIFReader& operator=(GIFReader&&) noexcept;
+  GIFReader(const GIFReader&) = delete;
+  GIFReader& operator=(const GIFReader&) = delete;
+  ~GIFReader();
+
+  std::size_t screenWidth() const;
+  std::size_t screenHeight() const;
+
+  // Goes on to the next frame. None at the end, and where the file is damaged.
+  std::optional<Frame> nextFrame();
+  // The colours of the current frame; false where it has none.
+  bool palette(Palette& palette) const;
+  // Decodes the next row, as stored, of the current frame; false where it is damaged.
+  bool readRow(std::span<std::uint8_t> indices);
+  // Passes over what is left of the current frame's rows; false where the file breaks off.
+  bool skipRows();
+
+ private:
+  struct State;
+  explicit GIFReader(std::unique_ptr<State> state);
+
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace kestrova::platform
