@@ -1,24 +1,14 @@
 #include "platform/dispatch/DispatchRuntime.h"
 
-#include <cstddef>
-#include <new>
-
 #include <unistd.h>
+
+#include "platform/dispatch/Lasting.h"
 
 namespace kestrova::platform {
 
 DispatchRuntime& DispatchRuntime::shared() {
-  struct Keeper {
-    Keeper() : runtime(new (memory) DispatchRuntime) {}
-    Keeper(const Keeper&) = delete;
-    Keeper& operator=(const Keeper&) = delete;
-    ~Keeper() { runtime->stop(); }
-
-    alignas(DispatchRuntime) std::byte memory[sizeof(DispatchRuntime)];
-    DispatchRuntime* runtime;
-  };
-  static Keeper keeper;
-  return *keeper.runtime;
+  static const Lasting<DispatchRuntime> runtime;
+  return *runtime;
 }
 
 void DispatchRuntime::stop() {

@@ -1,11 +1,10 @@
 #include "sdk/backend/BackendTransport.h"
 
-#include <cstddef>
 #include <mutex>
-#include <new>
 #include <utility>
 
 #include "platform/dispatch/DispatchQueue.h"
+#include "platform/dispatch/Lasting.h"
 #include "platform/foundation/FileManager.h"
 
 namespace kestrova {
@@ -17,21 +16,10 @@ namespace {
 class Slot {
  public:
   static Slot& shared() {
-    struct Keeper {
-      Keeper() {
-        // The queues first, so that they end last.
-        static_cast<void>(DispatchQueue::main());
-        slot = new (memory) Slot;
-      }
-      Keeper(const Keeper&) = delete;
-      Keeper& operator=(const Keeper&) = delete;
-      ~Keeper() { slot->close(); }
-
-      alignas(Slot) std::byte memory[sizeof(Slot)];
-      Slot* slot;
-    };
-    static Keeper keeper;
-    return *keeper.slot;
+    // The queues first, so that they end last.
+    static const auto queues = DispatchQueue::main();
+    static const Lasting<Slot> slot;
+    return *slot;
   }
 
   std::shared_ptr<HTTPTransport> current() {
@@ -48,14 +36,15 @@ class Slot {
     if (!closed_) transport_.swap(transport);
   }
 
- private:
-  void close() {
+  // No transport any more.
+  void stop() {
     std::shared_ptr<HTTPTransport> ended;
     const std::lock_guard lock(mutex_);
     closed_ = true;
     ended.swap(transport_);
   }
 
+ private:
   std::mutex mutex_;
   std::shared_ptr<HTTPTransport> transport_;
   bool closed_ = false;
