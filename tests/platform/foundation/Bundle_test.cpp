@@ -78,7 +78,7 @@ TEST(Bundle, OfALibraryIsFoundInAMovedTree) {
     ASSERT_NE(symbol, nullptr);
     EXPECT_EQ(Bundle::containing(symbol).path("Kestrova", "bundle"),
               moved / resources / "Kestrova.bundle");
-    ::dlclose(handle);
+    // Left open: what the libraries below allocate when they load is not freed when they go.
   }
 }
 
