@@ -68,8 +68,9 @@ TEST(Bundle, OfALibraryIsFoundInAMovedTree) {
     fs::rename(made, moved);
     // By a relative name, and then from another folder.
     const auto before = fs::current_path();
-    fs::current_path(moved / inTree);
-    void* const handle = ::dlopen("./libkestrova.so", RTLD_NOW | RTLD_LOCAL);
+    fs::current_path(directory.path().parent_path());
+    const auto relative = fs::relative(moved / inTree / "libkestrova.so");
+    void* const handle = ::dlopen(relative.c_str(), RTLD_NOW | RTLD_LOCAL);
     fs::current_path(before);
     ASSERT_NE(handle, nullptr) << ::dlerror();  // NOLINT(concurrency-mt-unsafe)
     const void* const symbol = ::dlsym(handle,
