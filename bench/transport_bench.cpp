@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "bench/Report.h"
 #include "platform/dispatch/RunLoop.h"
 #include "platform/network/HTTPTransport.h"
 #include "platform/network/MultipartFormData.h"
@@ -22,6 +23,7 @@
 namespace {
 
 using namespace kestrova;
+using namespace kestrova::bench;
 using namespace kestrova::platform;
 
 constexpr auto kStepURL = "https://localhost/api/v1/authentications/steps";
@@ -29,34 +31,10 @@ constexpr std::string_view kStepBody = "api_key=K&country_code=de&key=A&step=set
 constexpr auto kContentType = "application/x-www-form-urlencoded; charset=utf-8";
 constexpr std::size_t kUploadBytes = std::size_t{50} << 20U;
 
-bool allMet = true;
-
-void report(const char* what, double value, const char* unit, double goal, bool atMost = true) {
-  const bool met = atMost ? value <= goal : value >= goal;
-  allMet = allMet && met;
-  std::printf("%-46s %9.2f %-6s goal %s %.2f: %s\n", what, value, unit,
-              atMost ? "at most" : "at least", goal, met ? "met" : "MISSED");
-}
-
 double microseconds(const std::function<void()>& work) {
   const auto begin = DispatchClock::now();
   work();
   return std::chrono::duration<double, std::micro>(DispatchClock::now() - begin).count();
-}
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-// A line of /proc/self/status in bytes.
-double memory(const std::string& name) {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with(name + ":")) return std::stod(line.substr(name.size() + 1)) * 1024;
-  }
-  return 0;
 }
 
 void resetPeak() {
@@ -202,7 +180,7 @@ void benchUpload(HTTPTransport& transport, Direct& direct, const std::string& fi
   std::printf("%-46s %9.2f MB/s\n", "50 MiB upload, libcurl's own form", rate(median(floor)));
   std::printf("%-46s %9.2f MB/s\n", "50 MiB upload, through the transport", rate(median(through)));
   report("50 MiB upload, throughput ratio", median(floor) / median(through), "x", 0.8, false);
-  report("50 MiB upload, rise of the peak", rise / (1 << 20), "MiB", 54);
+  report("50 MiB upload, rise of the peak", rise, "MiB", 54);
 }
 
 // Serves until the pipe ends; its settings travel through the other pipe.

@@ -13,6 +13,7 @@
 
 #include <gif_lib.h>
 
+#include "bench/Report.h"
 #include "bench/graphics/Specimens.h"
 #include "platform/graphics/CGImageSource.h"
 #include "sdk/media/PictureResizing.h"
@@ -20,27 +21,13 @@
 namespace {
 
 using namespace kestrova;
-
-bool allMet = true;
-
-void report(const char* what, double value, const char* unit, double goal, bool atMost = true) {
-  const bool met = atMost ? value <= goal : value >= goal;
-  allMet = allMet && met;
-  std::printf("%-46s %9.2f %-6s goal %s %.2f: %s\n", what, value, unit,
-              atMost ? "at most" : "at least", goal, met ? "met" : "MISSED");
-}
+using namespace kestrova::bench;
 
 double milliseconds(const std::function<void()>& work) {
   const auto begin = std::chrono::steady_clock::now();
   work();
   const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - begin;
   return time.count();
-}
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::ranges::nth_element(values, middle);
-  return *middle;
 }
 
 struct Pair {
@@ -57,15 +44,6 @@ Pair compare(int runs, const std::function<void()>& ours, const std::function<vo
     others.push_back(milliseconds(theirs));
   }
   return {median(mine), median(others)};
-}
-
-// A line of /proc/self/status in MiB.
-double memory(const std::string& name) {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with(name + ":")) return std::stod(line.substr(name.size() + 1)) / 1024;
-  }
-  return 0;
 }
 
 Data asData(const std::string& bytes) {
