@@ -1,0 +1,113 @@
+#include "platform/uikit/FocusRing.h"
+
+#include <QtCore/QPointer>
+#include <QtGui/QFocusEvent>
+#include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/UIView.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+constexpr int kGap = 2;
+constexpr int kLine = 2;
+const QColor kBlue = QColor::fromRgbF(0.0F, 0.34F, 1.0F);
+
+// The view that the focused widget stands for: its own, or that of the nearest widget above.
+std::shared_ptr<UIView> focusedView(const QWidget& window) {
+  for (QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget()) {
+    if (!window.isAncestorOf(widget)) return nullptr;
+    if (auto view = UIView::of(widget)) return view;
+  }
+  return nullptr;
+}
+
+bool byKeyboard(Qt::FocusReason reason) {
+  return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+         reason == Qt::ShortcutFocusReason;
+}
+
+}  // namespace
+
+// A widget over all views that lets everything through.
+class FocusRing::Ring : public QWidget {
+ public:
+  explicit Ring(UIWindow& window) : QWidget(window.widget()), window_(window.widget()) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setFocusPolicy(Qt::NoFocus);
+    setVisible(false);
+    qApp->installEventFilter(this);
+  }
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    switch (event->type()) {
+      case QEvent::FocusIn:
+        isWanted_ = byKeyboard(static_cast<QFocusEvent*>(event)->reason());
+        [[fallthrough]];
+      case QEvent::FocusOut:
+        later();
+        break;
+      case QEvent::MouseButtonPress:
+        isWanted_ = false;
+        if (isVisible()) later();
+        break;
+      case QEvent::Move:
+      case QEvent::Resize:
+      case QEvent::Hide:
+        if (isVisible() && object != this) later();
+        break;
+      default:
+        break;
+    }
+    return false;
+  }
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() == QEvent::User) follow();
+    return QWidget::event(event);
+  }
+
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(kBlue, kLine));
+    const double half = kLine / 2.0;
+    const double radius = radius_ + kGap + half;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), radius, radius);
+  }
+
+ private:
+  // After the event that moves things.
+  void later() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+
+  void follow() {
+    const auto view = isWanted_ && window_ ? focusedView(*window_) : nullptr;
+    if (!view || !view->widget()->isVisible()) return hide();
+    const CGRect shape = view->focusRect();
+    const CGPoint origin = view->convert(shape.origin, nullptr);
+    const int margin = kGap + kLine;
+    const double most = std::min(shape.size.width, shape.size.height) / 2;
+    radius_ = std::min(view->layer().cornerRadius(), most);
+    setGeometry(QRectF(origin.x, origin.y, shape.size.width, shape.size.height)
+                    .toRect()
+                    .adjusted(-margin, -margin, margin, margin));
+    show();
+    raise();
+    update();
+  }
+
+  QPointer<QWidget> window_;
+  bool isWanted_ = false;
+  double radius_ = 0;
+};
+
+FocusRing::FocusRing(UIWindow& window) : ring_(std::make_unique<Ring>(window)) {}
+
+FocusRing::~FocusRing() = default;
+
+}  // namespace kestrova::platform

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+
+namespace kestrova::platform {
+
+class UIWindow;
+
+// The blue line around the view of a window that has the keyboard's focus, while the keyboard is in
+// use. Main thread.
+class FocusRing {
+ public:
+  explicit FocusRing(UIWindow& window);
+  ~FocusRing();
+  FocusRing(const FocusRing&) = delete;
+  FocusRing& operator=(const FocusRing&) = delete;
+
+ private:
+  class Ring;
+  std::unique_ptr<Ring> ring_;
+};
+
+}  // namespace kestrova::platform

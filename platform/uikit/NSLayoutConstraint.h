@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace kestrova::platform {
+
+class UIView;
+
+// Fixes a view's width or height. Made by a storyboard or nib, owned by its view. Main thread.
+class NSLayoutConstraint {
+ public:
+  enum class Attribute { width, height };
+
+  NSLayoutConstraint(std::string identifier, Attribute attribute, double constant)
+      : identifier_(std::move(identifier)),
+        attribute_(attribute),
+        constant_(constant),
+        shown_(constant) {}
+
+  const std::string& identifier() const { return identifier_; }
+  Attribute attribute() const { return attribute_; }
+  // Points. A change shows with the next layout pass, in an animation where that pass is made in
+  // an animation block; meanwhile this is the new value.
+  double constant() const { return constant_; }
+  void setConstant(double constant);
+
+ private:
+  friend class UIView;
+
+  std::string identifier_;
+  Attribute attribute_;
+  double constant_;
+  // What the layout has at this moment, and what it moves to.
+  double shown_;
+  double target_ = shown_;
+  std::weak_ptr<UIView> view_;
+};
+
+}  // namespace kestrova::platform

@@ -1,0 +1,108 @@
+#include "platform/uikit/TouchDispatcher.h"
+
+#include <cmath>
+
+#include "platform/uikit/UIGestureRecognizer.h"
+#include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+// A tap may move this far, points.
+constexpr double kSlop = 10;
+
+}  // namespace
+
+UITouch TouchDispatcher::touch(CGPoint point, const std::shared_ptr<UIView>& view) const {
+  return {view, window_.convert(point, view.get())};
+}
+
+void TouchDispatcher::began(CGPoint point, long long milliseconds) {
+  cancelled();
+  const auto hit = window_.hitTest(point);
+  if (!hit) return;
+  const UITouch start = touch(point, hit);
+  start_ = point;
+  isDown_ = true;
+  isDragging_ = false;
+  touched_ = hit;
+  bool claimed = false;
+  for (auto view = hit; view; view = view->superview()) {
+    if (owner_.expired() && view->wantsTouches()) owner_ = view;
+    claimed = claimed || view->claimsTouches();
+    if (!claimed && recognizer_.expired()) {
+      const auto recognizers = view->gestureRecognizers();
+      for (const auto& recognizer : recognizers) {
+        if (!recognizer->shouldReceive(start)) continue;
+        recognizer_ = recognizer;
+        break;
+      }
+    }
+    auto scrollView = std::dynamic_pointer_cast<UIScrollView>(view);
+    if (scrollView && scrollView->isScrollEnabled() && scrollView_.expired()) {
+      scrollView_ = scrollView;
+    }
+  }
+  if (const auto scrollView = scrollView_.lock()) scrollView->press(point, milliseconds);
+  if (const auto owner = owner_.lock()) owner->touchesBegan(start);
+}
+
+void TouchDispatcher::moved(CGPoint point, long long milliseconds) {
+  if (!isDown_) return;
+  const auto hit = touched_.lock();
+  if (!hit) return cancelled();
+  if (const auto scrollView = scrollView_.lock()) {
+    scrollView->drag(point, milliseconds);
+    if (!isDragging_ && scrollView->isDragging()) {
+      isDragging_ = true;
+      recognizer_.reset();
+      cancelOwner();
+    }
+  }
+  if (std::hypot(point.x - start_.x, point.y - start_.y) > kSlop) recognizer_.reset();
+  if (const auto owner = owner_.lock()) owner->touchesMoved(touch(point, hit));
+}
+
+void TouchDispatcher::ended(CGPoint point, long long milliseconds) {
+  if (!isDown_) return;
+  isDown_ = false;
+  const auto hit = touched_.lock();
+  const auto owner = owner_.lock();
+  const auto recognizer = recognizer_.lock();
+  const auto scrollView = scrollView_.lock();
+  touched_.reset();
+  owner_.reset();
+  recognizer_.reset();
+  scrollView_.reset();
+  if (scrollView) scrollView->release(point, milliseconds);
+  if (!hit || hit->window().get() != &window_) return;
+  const UITouch end = touch(point, hit);
+  if (recognizer) {
+    if (owner) owner->touchesCancelled(end);
+    recognizer->recognize(end);
+  } else if (owner) {
+    owner->touchesEnded(end);
+  }
+}
+
+void TouchDispatcher::cancelled() {
+  if (!isDown_) return;
+  isDown_ = false;
+  if (const auto scrollView = scrollView_.lock()) scrollView->release(start_, 0);
+  cancelOwner();
+  touched_.reset();
+  recognizer_.reset();
+  scrollView_.reset();
+}
+
+void TouchDispatcher::cancelOwner() {
+  const auto owner = owner_.lock();
+  owner_.reset();
+  if (const auto hit = touched_.lock(); owner && hit) {
+    owner->touchesCancelled(touch(start_, hit));
+  }
+}
+
+}  // namespace kestrova::platform

@@ -1,0 +1,582 @@
+#include "platform/uikit/UIView.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
+#include <QtGui/QPainter>
+#include <QtGui/QWheelEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLayout>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/Canvas.h"
+#include "platform/uikit/NSLayoutConstraint.h"
+#include "platform/uikit/NativePainter.h"
+#include "platform/uikit/TouchDispatcher.h"
+#include "platform/uikit/UIGestureRecognizer.h"
+#include "platform/uikit/UIViewController.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+QRect onWholePoints(const CGRect& rect) {
+  const auto whole = [](double length) { return int(std::lround(length)); };
+  const QPoint start(whole(rect.minX()), whole(rect.minY()));
+  return {start, QSize(whole(rect.maxX()) - start.x(), whole(rect.maxY()) - start.y())};
+}
+
+CGPoint operator+(CGPoint a, CGPoint b) {
+  return {a.x + b.x, a.y + b.y};
+}
+CGPoint operator-(CGPoint a, CGPoint b) {
+  return {a.x - b.x, a.y - b.y};
+}
+
+CGPoint point(const QPointF& point) {
+  return {point.x(), point.y()};
+}
+
+std::string nameOf(const QKeyEvent& event) {
+  switch (event.key()) {
+    case Qt::Key_Space:
+      return "Space";
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return "Return";
+    case Qt::Key_Escape:
+      return "Escape";
+    case Qt::Key_Back:
+      return "Back";
+    case Qt::Key_Up:
+      return "Up";
+    case Qt::Key_Down:
+      return "Down";
+    case Qt::Key_PageUp:
+      return "PageUp";
+    case Qt::Key_PageDown:
+      return "PageDown";
+    case Qt::Key_Home:
+      return "Home";
+    case Qt::Key_End:
+      return "End";
+    case Qt::Key_Left:
+      return event.modifiers() & Qt::AltModifier ? "Back" : "Left";
+    case Qt::Key_Right:
+      return "Right";
+    default:
+      return {};
+  }
+}
+
+// What an animation block has asked for.
+struct Animation {
+  double duration;
+  std::vector<std::function<void(double)>> steps;
+};
+
+Animation* current = nullptr;
+
+}  // namespace
+
+// The toolkit's side of a view.
+class UIView::Widget : public QWidget {
+ public:
+  explicit Widget(UIView& view) : view_(&view) { setFocusPolicy(Qt::NoFocus); }
+
+  ~Widget() override {
+    if (!view_) return;
+    // The toolkit deletes it with a host's window: the views below stay whole.
+    for (const auto& subview : view_->subviews_) {
+      if (subview->widget_) subview->widget_->setParent(nullptr);
+    }
+    UIView& view = *view_;
+    view.widget_ = nullptr;
+    view.widgetLost();
+  }
+
+  void forget() { view_ = nullptr; }
+  UIView* view() const { return view_; }
+
+  QSize sizeHint() const override { return layout() || !view_ ? QWidget::sizeHint() : fitting(-1); }
+  QSize minimumSizeHint() const override {
+    return layout() || !view_ ? QWidget::minimumSizeHint() : QSize(0, fitting(-1).height());
+  }
+  bool hasHeightForWidth() const override {
+    return layout() || !view_ ? QWidget::hasHeightForWidth() : view_->heightDependsOnWidth();
+  }
+  int heightForWidth(int width) const override {
+    return layout() || !view_ ? QWidget::heightForWidth(width) : fitting(width).height();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    if (!view_) return;
+    QPainter painter(this);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    NativePainter native{painter};
+    Canvas canvas(native);
+    view_->layer_->draw(canvas, view_->bounds().size, [&] { view_->draw(canvas); });
+    const auto& clock = AnimationClock::shared();
+    if (view_->layer_->isMoving()) view_->redrawAt(clock.now() + AnimationClock::kFrame);
+  }
+
+  void resizeEvent(QResizeEvent*) override {
+    if (!view_) return;
+    view_->needsLayout_ = true;
+    view_->layoutPass();
+  }
+
+  bool event(QEvent* event) override {
+    if (view_ && event->type() == QEvent::LayoutRequest) {
+      view_->settleConstraints();
+      view_->layoutPass();
+    }
+    const bool used = QWidget::event(event);
+    switch (event->type()) {
+      case QEvent::Polish:
+      case QEvent::StyleChange:
+        // A host's style sheet paints no ground into our views.
+        setAttribute(Qt::WA_StyledBackground, false);
+        break;
+      case QEvent::ShortcutOverride:
+        // Keys belong to the window that covers the host, not to the host's shortcuts.
+        if (view_ && dynamic_cast<UIWindow*>(view_)) event->accept();
+        break;
+      default:
+        break;
+    }
+    return used;
+  }
+
+  void mousePressEvent(QMouseEvent* event) override {
+    if (event->button() != Qt::LeftButton) return event->ignore();
+    deliver(event, &TouchDispatcher::began);
+  }
+  void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+  void mouseMoveEvent(QMouseEvent* event) override { deliver(event, &TouchDispatcher::moved); }
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::LeftButton) deliver(event, &TouchDispatcher::ended);
+  }
+
+  void wheelEvent(QWheelEvent* event) override {
+    constexpr double kPointsAStep = 60;
+    const QPoint pixels = event->pixelDelta();
+    const QPoint angle = event->angleDelta();
+    const CGPoint delta = pixels.isNull() ? CGPoint{angle.x() / 120.0 * kPointsAStep,
+                                                    angle.y() / 120.0 * kPointsAStep}
+                                          : CGPoint{double(pixels.x()), double(pixels.y())};
+    event->setAccepted(view_ && view_->wheelMoved(delta));
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    const std::string key = nameOf(*event);
+    const auto alive = view_ ? view_->shared_from_this() : nullptr;
+    const bool used = alive && !key.empty() && view_->keyPressed(key);
+    // Nothing goes through a window of ours to the host below it.
+    event->setAccepted(used || (alive && dynamic_cast<UIWindow*>(alive.get())));
+  }
+
+  void focusInEvent(QFocusEvent*) override { focusChanged(); }
+  void focusOutEvent(QFocusEvent*) override { focusChanged(); }
+
+  bool focusNextPrevChild(bool next) override {
+    const auto window = view_ ? view_->window() : nullptr;
+    return window ? window->moveFocus(next) : QWidget::focusNextPrevChild(next);
+  }
+
+ private:
+  QSize fitting(int width) const {
+    const double limit = 1e6;
+    const CGSize size = view_->sizeThatFits({width < 0 ? limit : double(width), limit});
+    return {int(std::ceil(size.width)), int(std::ceil(size.height))};
+  }
+
+  void focusChanged() {
+    if (!view_) return;
+    view_->focusChanged();
+    update();
+  }
+
+  void deliver(QMouseEvent* event, void (TouchDispatcher::*call)(CGPoint, long long milliseconds)) {
+    // Held: what a touch leads to may end the window.
+    const auto window = view_ ? view_->window() : nullptr;
+    event->setAccepted(window != nullptr);
+    if (!window) return;
+    const QPointF position = mapTo(window->widget(), event->position().toPoint());
+    (window->touches().*call)(point(position), static_cast<long long>(event->timestamp()));
+  }
+
+  UIView* view_;
+};
+
+UIView::UIView() : UIView(CGRect{}) {}
+
+UIView::UIView(const CGRect& frame) : UIView(std::make_unique<CALayer>()) {
+  setFrame(frame);
+}
+
+UIView::UIView(std::unique_ptr<CALayer> layer) : layer_(std::move(layer)) {
+  if (!QCoreApplication::instance() || !qobject_cast<QApplication*>(QCoreApplication::instance())) {
+    throw std::logic_error("a view needs the application object");
+  }
+  widget_ = new Widget(*this);
+  layer_->setOnChange([this] { setNeedsDisplay(); });
+}
+
+UIView::~UIView() {
+  for (const auto& subview : subviews_) {
+    subview->superview_ = nullptr;
+    if (subview->widget_) subview->widget_->setParent(nullptr);
+  }
+  if (!widget_) return;
+  widget_->forget();
+  // The widget may be on the way of one of its own events.
+  widget_->hide();
+  widget_->setParent(nullptr);
+  widget_->deleteLater();
+}
+
+QWidget* UIView::widget() const {
+  return widget_;
+}
+
+std::shared_ptr<UIView> UIView::of(const QWidget* widget) {
+  const auto* ours = dynamic_cast<const Widget*>(widget);
+  return ours && ours->view() ? shared(ours->view()) : nullptr;
+}
+
+CGRect UIView::frame() const {
+  if (!widget_) return frame_;
+  const CGPoint origin = superview_ ? superview_->boundsOrigin_ : CGPoint{};
+  const QRect native = widget_->geometry();
+  if (native == onWholePoints({frame_.origin - origin, frame_.size})) return frame_;
+  return {CGPoint{double(native.x()), double(native.y())} + origin,
+          {double(native.width()), double(native.height())}};
+}
+
+void UIView::setFrame(const CGRect& frame) {
+  frame_ = frame;
+  applyFrame();
+}
+
+void UIView::applyFrame() {
+  if (!widget_) return;
+  const CGPoint origin = superview_ ? superview_->boundsOrigin_ : CGPoint{};
+  widget_->setGeometry(onWholePoints({frame_.origin - origin, frame_.size}));
+}
+
+CGRect UIView::bounds() const {
+  return {boundsOrigin_, frame().size};
+}
+
+void UIView::setBoundsOrigin(CGPoint origin) {
+  if (boundsOrigin_ == origin) return;
+  std::vector<CGRect> frames;
+  for (const auto& subview : subviews_) frames.push_back(subview->frame());
+  boundsOrigin_ = origin;
+  for (std::size_t index = 0; index < frames.size(); ++index) {
+    subviews_[index]->setFrame(frames[index]);
+  }
+}
+
+CGPoint UIView::center() const {
+  const CGRect rect = frame();
+  return {rect.midX(), rect.midY()};
+}
+
+void UIView::setCenter(CGPoint center) {
+  const CGSize size = frame().size;
+  setFrame({{center.x - size.width / 2, center.y - size.height / 2}, size});
+}
+
+CGPoint UIView::convert(CGPoint point, const UIView* view) const {
+  const auto toTop = [](const UIView* from, CGPoint at) {
+    for (const UIView* step = from; step->superview_; step = step->superview_) {
+      at = at - step->boundsOrigin_ + step->frame().origin;
+    }
+    return at;
+  };
+  const CGPoint top = toTop(this, point);
+  return view ? top - toTop(view, CGPoint{}) : top;
+}
+
+std::shared_ptr<UIView> UIView::superview() const {
+  return superview_ ? shared(superview_) : nullptr;
+}
+
+void UIView::addSubview(const std::shared_ptr<UIView>& view) {
+  if (view->superview_ == this) return bringSubviewToFront(*view);
+  place(view, subviews_.size());
+}
+
+void UIView::insertSubview(const std::shared_ptr<UIView>& view, std::size_t index) {
+  place(view, index);
+}
+
+void UIView::place(const std::shared_ptr<UIView>& view, std::size_t index) {
+  const std::shared_ptr<UIView> held = view;
+  const CGRect frame = held->frame();
+  held->removeFromSuperview();
+  index = std::min(index, subviews_.size());
+  subviews_.insert(subviews_.begin() + std::ptrdiff_t(index), held);
+  held->superview_ = this;
+  if (held->widget_ && widget_) {
+    if (held->widget_->parentWidget() != widget_) held->widget_->setParent(widget_);
+    held->setFrame(frame);
+    if (index + 1 < subviews_.size() && subviews_[index + 1]->widget_) {
+      held->widget_->stackUnder(subviews_[index + 1]->widget_);
+    } else {
+      held->widget_->raise();
+    }
+    held->widget_->setVisible(!held->isHidden_);
+  }
+  setNeedsLayout();
+  held->notifyWindow();
+}
+
+void UIView::removeFromSuperview() {
+  if (!superview_) return;
+  const auto self = shared(this);
+  UIView& parent = *superview_;
+  const CGRect last = frame();
+  std::erase_if(parent.subviews_, [this](const auto& view) { return view.get() == this; });
+  superview_ = nullptr;
+  frame_ = last;
+  if (widget_) {
+    widget_->hide();
+    widget_->setParent(nullptr);
+  }
+  parent.setNeedsLayout();
+  notifyWindow();
+}
+
+void UIView::bringSubviewToFront(const UIView& view) {
+  const auto found = std::find_if(subviews_.begin(), subviews_.end(),
+                                  [&](const auto& each) { return each.get() == &view; });
+  if (found == subviews_.end()) return;
+  std::rotate(found, found + 1, subviews_.end());
+  if (view.widget_) view.widget_->raise();
+}
+
+bool UIView::isDescendant(const UIView& of) const {
+  for (const UIView* view = this; view; view = view->superview_) {
+    if (view == &of) return true;
+  }
+  return false;
+}
+
+UIView& UIView::top() {
+  UIView* view = this;
+  while (view->superview_) view = view->superview_;
+  return *view;
+}
+
+std::shared_ptr<UIWindow> UIView::window() const {
+  UIView& highest = const_cast<UIView*>(this)->top();
+  auto* window = dynamic_cast<UIWindow*>(&highest);
+  return window ? shared(window) : nullptr;
+}
+
+bool UIView::isInWindowNow() const {
+  return dynamic_cast<UIWindow*>(&const_cast<UIView*>(this)->top()) != nullptr;
+}
+
+void UIView::notifyWindow() {
+  if (isInWindow_ == isInWindowNow()) return;
+  const auto self = shared(this);
+  isInWindow_ = !isInWindow_;
+  didMoveToWindow();
+  const auto subviews = subviews_;
+  for (const auto& subview : subviews) subview->notifyWindow();
+}
+
+void UIView::setHidden(bool hidden) {
+  if (isHidden_ == hidden) return;
+  isHidden_ = hidden;
+  if (widget_ && superview_) widget_->setVisible(!hidden);
+}
+
+void UIView::setContentMode(UIViewContentMode mode) {
+  contentMode_ = mode;
+  setNeedsDisplay();
+}
+
+void UIView::setNeedsDisplay() {
+  if (widget_) widget_->update();
+}
+
+void UIView::redrawAt(double time) {
+  redraw_ = AnimationClock::shared().run(time, [this](double) -> std::optional<double> {
+    setNeedsDisplay();
+    return std::nullopt;
+  });
+}
+
+CGSize UIView::sizeThatFits(CGSize) const {
+  return {-1, -1};
+}
+
+void UIView::invalidateIntrinsicContentSize() {
+  if (widget_) widget_->updateGeometry();
+  if (superview_) superview_->setNeedsLayout();
+}
+
+void UIView::setNeedsLayout() {
+  needsLayout_ = true;
+  if (widget_) QCoreApplication::postEvent(widget_, new QEvent(QEvent::LayoutRequest));
+}
+
+void UIView::layoutIfNeeded() {
+  settleConstraints();
+  top().layoutTree();
+}
+
+void UIView::layoutPass() {
+  if (!needsLayout_) return;
+  needsLayout_ = false;
+  const auto self = shared(this);
+  layoutSubviews();
+}
+
+void UIView::layoutTree() {
+  if (!widget_) return;
+  const auto self = shared(this);
+  widget_->ensurePolished();
+  if (widget_->testAttribute(Qt::WA_PendingResizeEvent)) {
+    QResizeEvent resized(widget_->size(), {});
+    widget_->setAttribute(Qt::WA_PendingResizeEvent, false);
+    QCoreApplication::sendEvent(widget_, &resized);
+  }
+  if (widget_->layout()) widget_->layout()->activate();
+  layoutPass();
+  const auto subviews = subviews_;
+  for (const auto& subview : subviews) subview->layoutTree();
+}
+
+void UIView::addConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint) {
+  constraint->view_ = shared(this);
+  constraints_.push_back(constraint);
+  apply(*constraint);
+}
+
+void UIView::apply(const NSLayoutConstraint& constraint) {
+  const auto view = constraint.view_.lock();
+  if (!view || !view->widget_) return;
+  const int length = std::max(0, int(std::lround(constraint.shown_)));
+  if (constraint.attribute() == NSLayoutConstraint::Attribute::height) {
+    view->widget_->setFixedHeight(length);
+  } else {
+    view->widget_->setFixedWidth(length);
+  }
+}
+
+void NSLayoutConstraint::setConstant(double constant) {
+  constant_ = constant;
+  if (const auto view = view_.lock()) view->setNeedsLayout();
+}
+
+void UIView::settleConstraints() {
+  for (const auto& constraint : constraints_) {
+    const double target = constraint->constant_;
+    if (constraint->target_ == target) continue;
+    constraint->target_ = target;
+    if (!current || current->duration <= 0) {
+      constraint->shown_ = target;
+      apply(*constraint);
+      continue;
+    }
+    current->steps.push_back([weak = std::weak_ptr<NSLayoutConstraint>(constraint),
+                              from = constraint->shown_, target](double share) {
+      const auto alive = weak.lock();
+      // A later change has taken over.
+      if (!alive || alive->target_ != target) return;
+      alive->shown_ = share < 1 ? from + (target - from) * share : target;
+      apply(*alive);
+      if (const auto view = alive->view_.lock()) view->top().layoutTree();
+    });
+  }
+  for (const auto& subview : subviews_) subview->settleConstraints();
+}
+
+void UIView::animate(double withDuration, const std::function<void()>& animations,
+                     std::function<void()> completion) {
+  Animation animation{withDuration, {}};
+  Animation* const outer = std::exchange(current, &animation);
+  animations();
+  current = outer;
+  if (animation.steps.empty()) {
+    if (completion) completion();
+    return;
+  }
+  // Kept by itself until the last step.
+  const auto token = std::make_shared<AnimationClock::Token>();
+  *token = AnimationClock::shared().ease(withDuration,
+                                         [token, steps = std::move(animation.steps),
+                                          completion = std::move(completion)](double share) {
+                                           for (const auto& step : steps) step(share);
+                                           if (share < 1) return;
+                                           if (completion) completion();
+                                           token->reset();
+                                         });
+}
+
+std::shared_ptr<UIResponder> UIView::next() const {
+  if (auto controller = viewController_.lock()) return controller;
+  return superview();
+}
+
+void UIView::addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& recognizer) {
+  recognizer->view_ = shared(this);
+  gestureRecognizers_.push_back(recognizer);
+}
+
+void UIView::removeGestureRecognizer(const UIGestureRecognizer& recognizer) {
+  std::erase_if(gestureRecognizers_, [&](const auto& each) { return each.get() == &recognizer; });
+}
+
+std::shared_ptr<UIView> UIView::hitTest(CGPoint point) {
+  if (isHidden_ || !isUserInteractionEnabled_ || !bounds().contains(point)) return nullptr;
+  for (auto each = subviews_.rbegin(); each != subviews_.rend(); ++each) {
+    const UIView& subview = **each;
+    const CGPoint inside = point - subview.frame().origin + subview.boundsOrigin_;
+    if (auto hit = (*each)->hitTest(inside)) return hit;
+  }
+  return shared(this);
+}
+
+bool UIView::endEditing(bool force) {
+  bool ended = true;
+  const auto subviews = subviews_;
+  for (const auto& subview : subviews) ended = subview->endEditing(force) && ended;
+  return ended;
+}
+
+void UIView::setFocusable(bool focusable) {
+  isFocusable_ = focusable;
+  // A click leaves the focus where it is, as a tap leaves the keyboard.
+  if (widget_) widget_->setFocusPolicy(focusable ? Qt::TabFocus : Qt::NoFocus);
+}
+
+bool UIView::isFocused() const {
+  return widget_ && widget_->hasFocus();
+}
+
+void UIView::becomeFocused() {
+  if (widget_) widget_->setFocus(Qt::TabFocusReason);
+}
+
+bool UIView::keyPressed(const std::string&) {
+  return false;
+}
+
+CGRect UIView::focusRect() const {
+  return {{}, bounds().size};
+}
+
+}  // namespace kestrova::platform

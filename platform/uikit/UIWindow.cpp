@@ -1,0 +1,196 @@
+#include "platform/uikit/UIWindow.h"
+
+#include <algorithm>
+
+#include <QtCore/QEvent>
+#include <QtCore/QPointer>
+#include <QtGui/QFocusEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/FocusRing.h"
+#include "platform/uikit/TouchDispatcher.h"
+#include "platform/uikit/UIApplication.h"
+#include "platform/uikit/UIControl.h"
+#include "platform/uikit/UIViewController.h"
+
+namespace kestrova::platform {
+
+// Follows the size of the widget that the window covers or fills.
+class UIWindow::HostWatch : public QObject {
+ public:
+  HostWatch(UIWindow& window, QWidget& host) : window_(window), host_(&host) {
+    host.installEventFilter(this);
+    window_.widget()->setParent(&host);
+    follow();
+    window_.widget()->raise();
+    window_.widget()->show();
+  }
+
+  QWidget* host() const { return host_; }
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (object == host_ && event->type() == QEvent::Resize) follow();
+    if (object == host_ && event->type() == QEvent::ChildAdded && window_.kind_ == Kind::over) {
+      if (window_.widget()) window_.widget()->raise();
+    }
+    return QObject::eventFilter(object, event);
+  }
+
+ private:
+  void follow() {
+    if (window_.widget()) {
+      window_.setFrame({{}, {double(host_->width()), double(host_->height())}});
+    }
+  }
+
+  UIWindow& window_;
+  QPointer<QWidget> host_;
+};
+
+UIWindow::UIWindow(Kind kind) : kind_(kind), touches_(std::make_unique<TouchDispatcher>(*this)) {
+  UIApplication::exists();
+}
+
+UIWindow::~UIWindow() = default;
+
+std::shared_ptr<UIWindow> UIWindow::make(CGSize size) {
+  auto window = std::make_shared<UIWindow>(Kind::own);
+  window->setBackgroundColor(UIColor::white());
+  window->setFrame({{}, size});
+  window->focusRing_ = std::make_unique<FocusRing>(*window);
+  return window;
+}
+
+std::shared_ptr<UIWindow> UIWindow::over(QWidget& host) {
+  auto window = std::make_shared<UIWindow>(Kind::over);
+  window->watch_ = std::make_unique<HostWatch>(*window, *host.window());
+  window->focusRing_ = std::make_unique<FocusRing>(*window);
+  return window;
+}
+
+std::shared_ptr<UIWindow> UIWindow::inside(QWidget& placeholder) {
+  auto window = std::make_shared<UIWindow>(Kind::inside);
+  window->watch_ = std::make_unique<HostWatch>(*window, placeholder);
+  window->focusRing_ = std::make_unique<FocusRing>(*window);
+  return window;
+}
+
+void UIWindow::setRootViewController(const std::shared_ptr<UIViewController>& controller) {
+  const bool visible = widget() && widget()->isVisible();
+  if (root_) {
+    if (visible) root_->beginAppearance(false, false);
+    root_->view()->removeFromSuperview();
+    if (visible) root_->endAppearance();
+  }
+  root_ = controller;
+  if (!root_) return;
+  const auto view = root_->view();
+  view->setFrame({{}, bounds().size});
+  insertSubview(view, 0);
+  view->layoutIfNeeded();
+  if (!visible) return;
+  root_->beginAppearance(true, false);
+  root_->endAppearance();
+}
+
+void UIWindow::makeKeyAndVisible() {
+  if (!widget() || widget()->isVisible()) return;
+  layoutIfNeeded();
+  if (root_) root_->beginAppearance(true, false);
+  widget()->show();
+  if (root_) root_->endAppearance();
+}
+
+void UIWindow::close() {
+  const auto self = shared(this);
+  const bool visible = widget() && widget()->isVisible();
+  if (root_ && visible) root_->beginAppearance(false, false);
+  if (widget()) widget()->hide();
+  if (root_ && visible) root_->endAppearance();
+}
+
+std::shared_ptr<UIViewController> UIWindow::topViewController() const {
+  auto controller = root_;
+  while (controller && controller->presentedViewController()) {
+    controller = controller->presentedViewController();
+  }
+  return controller;
+}
+
+std::shared_ptr<UIResponder> UIWindow::next() const {
+  if (watch_) {
+    if (auto wrapper = UIViewController::wrapper(watch_->host())) return wrapper;
+  }
+  return UIApplication::shared();
+}
+
+void UIWindow::layoutSubviews() {
+  for (const auto& subview : subviews()) subview->setFrame({{}, bounds().size});
+}
+
+void UIWindow::widgetLost() {
+  const auto self = shared(this);
+  const auto gone = onHostGone;
+  if (gone) gone();
+}
+
+namespace {
+
+// The subtree's focusable views in the order of the eye: as they lie in the tree.
+void collectFocusable(const std::shared_ptr<UIView>& view,
+                      std::vector<std::shared_ptr<UIView>>& found) {
+  if (view->isHidden() || !view->isUserInteractionEnabled()) return;
+  if (view->isFocusable()) {
+    const auto* control = dynamic_cast<const UIControl*>(view.get());
+    if (!control || control->isEnabled()) found.push_back(view);
+  }
+  for (const auto& subview : view->subviews()) collectFocusable(subview, found);
+}
+
+bool holdsFocus(const UIView& view) {
+  const QWidget* focused = QApplication::focusWidget();
+  return focused && view.widget() &&
+         (view.widget() == focused || view.widget()->isAncestorOf(focused));
+}
+
+}  // namespace
+
+bool UIWindow::moveFocus(bool forward) {
+  // What is presented last covers the rest.
+  std::vector<std::shared_ptr<UIView>> order;
+  for (auto top = subviews().rbegin(); top != subviews().rend(); ++top) {
+    if ((*top)->isHidden()) continue;
+    collectFocusable(*top, order);
+    break;
+  }
+  if (kind_ == Kind::inside) {
+    // The host's own order goes on behind the ends.
+    const auto focused = std::find_if(order.begin(), order.end(),
+                                      [](const auto& view) { return holdsFocus(*view); });
+    const bool leaves = order.empty() || (focused != order.end() &&
+                                          focused == (forward ? order.end() - 1 : order.begin()));
+    if (leaves) return false;
+  }
+  if (order.empty()) return kind_ != Kind::inside;
+  const auto focused =
+      std::find_if(order.begin(), order.end(), [](const auto& view) { return holdsFocus(*view); });
+  const std::size_t count = order.size();
+  std::size_t target = forward ? 0 : count - 1;
+  if (focused != order.end()) {
+    const std::size_t at = std::size_t(focused - order.begin());
+    target = (at + (forward ? 1 : count - 1)) % count;
+  }
+  order[target]->becomeFocused();
+  return true;
+}
+
+bool UIWindow::keyPressed(const std::string& key) {
+  if (key != "Escape" && key != "Back") return false;
+  // From the innermost screen on top outwards.
+  const auto top = topViewController();
+  if (!top) return false;
+  return key == "Escape" ? top->escape() : top->goBack();
+}
+
+}  // namespace kestrova::platform

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/uikit/UIView.h"
+
+namespace kestrova::platform {
+
+class FocusRing;
+class TouchDispatcher;
+class UIViewController;
+
+// The top of a tree of views: where touches, keys and focus come in. Main thread.
+class UIWindow : public UIView {
+ public:
+  // A window of its own on the desktop, of that size in points.
+  static std::shared_ptr<UIWindow> make(CGSize size);
+  // Covers the host's window that `host` belongs to, as a child of it, and follows its size.
+  static std::shared_ptr<UIWindow> over(QWidget& host);
+  // Fills `placeholder`, a widget in a host's form.
+  static std::shared_ptr<UIWindow> inside(QWidget& placeholder);
+  ~UIWindow() override;
+
+  // Fills the window. Loaded at once; appears when the window is shown.
+  const std::shared_ptr<UIViewController>& rootViewController() const { return root_; }
+  void setRootViewController(const std::shared_ptr<UIViewController>& controller);
+  void makeKeyAndVisible();
+  // Takes the window off the screen; its root disappears.
+  void close();
+
+  // The controller on top of what is presented here; null without a root.
+  std::shared_ptr<UIViewController> topViewController() const;
+
+  // Called when the toolkit has deleted the window's widget, with a host's window that it was part
+  // of. The views are still there then, in no window.
+  std::function<void()> onHostGone;
+
+  // An embedded or covering window's responder after it: a controller that the host wrapped around
+  // a widget above; else the application.
+  std::shared_ptr<UIResponder> next() const override;
+  void layoutSubviews() override;
+  bool keyPressed(const std::string& key) override;
+
+  TouchDispatcher& touches() { return *touches_; }
+  // Gives the keyboard's focus to the next focusable view (the one before where not `forward`) of
+  // what is on top here, in reading order and round the end.
+  bool moveFocus(bool forward);
+
+  enum class Kind { own, over, inside };
+  explicit UIWindow(Kind kind);
+
+ private:
+  class HostWatch;
+
+  void widgetLost() override;
+
+  Kind kind_;
+  std::unique_ptr<TouchDispatcher> touches_;
+  std::unique_ptr<HostWatch> watch_;
+  std::unique_ptr<FocusRing> focusRing_;
+  std::shared_ptr<UIViewController> root_;
+};
+
+}  // namespace kestrova::platform
