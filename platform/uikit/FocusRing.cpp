@@ -106,7 +106,15 @@ class FocusRing::Ring : public QWidget {
   double radius_ = 0;
 };
 
-FocusRing::FocusRing(UIWindow& window) : ring_(std::make_unique<Ring>(window)) {}
+// The toolkit deletes the ring with the window's widget.
+struct FocusRing::Owned {
+  QPointer<Ring> ring;
+  ~Owned() { delete ring; }
+};
+
+FocusRing::FocusRing(UIWindow& window) : owned_(std::make_unique<Owned>()) {
+  owned_->ring = new Ring(window);
+}
 
 FocusRing::~FocusRing() = default;
 

@@ -17,7 +17,8 @@ class FocusRing {
 
  private:
   class Ring;
-  std::unique_ptr<Ring> ring_;
+  struct Owned;
+  std::unique_ptr<Owned> owned_;
 };
 
 }  // namespace kestrova::platform

@@ -427,6 +427,11 @@ void UIView::invalidateIntrinsicContentSize() {
   if (superview_) superview_->setNeedsLayout();
 }
 
+void UIView::setFillsSuperview(bool fills) {
+  fillsSuperview_ = fills;
+  if (superview_) superview_->setNeedsLayout();
+}
+
 void UIView::setNeedsLayout() {
   needsLayout_ = true;
   if (widget_) QCoreApplication::postEvent(widget_, new QEvent(QEvent::LayoutRequest));
@@ -442,6 +447,10 @@ void UIView::layoutPass() {
   needsLayout_ = false;
   const auto self = shared(this);
   layoutSubviews();
+  const auto subviews = subviews_;
+  for (const auto& subview : subviews) {
+    if (subview->fillsSuperview_) subview->setFrame({{}, bounds().size});
+  }
 }
 
 void UIView::layoutTree() {

@@ -88,6 +88,10 @@ class UIView : public UIResponder {
   }
   void addConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
 
+  // Keeps the size of the superview with each of its layout passes.
+  bool fillsSuperview() const { return fillsSuperview_; }
+  void setFillsSuperview(bool fills);
+
   // Asks for a layout pass soon; layoutIfNeeded() makes one at once, of everything below this view.
   void setNeedsLayout();
   void layoutIfNeeded();
@@ -211,6 +215,7 @@ class UIView : public UIResponder {
   bool isFocusable_ = false;
   bool needsLayout_ = true;
   bool translatesAutoresizingMask_ = true;
+  bool fillsSuperview_ = false;
   UIViewContentMode contentMode_ = UIViewContentMode::scaleToFill;
   std::string accessibilityLabel_;
   UIAccessibilityRole accessibilityRole_ = UIAccessibilityRole::none;

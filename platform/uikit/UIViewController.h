@@ -21,6 +21,7 @@ class UIWindow;
 struct UIStoryboardScene;
 
 enum class UIModalPresentationStyle { fullScreen = 0, overFullScreen = 5, overCurrentContext = 6 };
+enum class UIModalTransitionStyle { coverVertical = 0, crossDissolve = 2 };
 
 // A screen. Main thread.
 class UIViewController : public UIResponder {
@@ -69,6 +70,7 @@ class UIViewController : public UIResponder {
   // overCurrentContext. One that is presented from a child is presented by its topmost parent. A
   // request while another one moves waits for it. `completion` follows the end of the motion.
   UIModalPresentationStyle modalPresentationStyle = UIModalPresentationStyle::fullScreen;
+  UIModalTransitionStyle modalTransitionStyle = UIModalTransitionStyle::coverVertical;
   std::shared_ptr<UIViewController> presentedViewController() const;
   std::shared_ptr<UIViewController> presentingViewController() const;
   bool isBeingDismissed() const;

@@ -87,6 +87,7 @@ void UIWindow::setRootViewController(const std::shared_ptr<UIViewController>& co
   if (!root_) return;
   const auto view = root_->view();
   view->setFrame({{}, bounds().size});
+  view->setFillsSuperview(true);
   insertSubview(view, 0);
   view->layoutIfNeeded();
   if (!visible) return;
@@ -111,7 +112,7 @@ void UIWindow::close() {
 }
 
 std::shared_ptr<UIViewController> UIWindow::topViewController() const {
-  auto controller = root_;
+  auto controller = root_ ? root_ : presentedForHost_.lock();
   while (controller && controller->presentedViewController()) {
     controller = controller->presentedViewController();
   }
@@ -123,10 +124,6 @@ std::shared_ptr<UIResponder> UIWindow::next() const {
     if (auto wrapper = UIViewController::wrapper(watch_->host())) return wrapper;
   }
   return UIApplication::shared();
-}
-
-void UIWindow::layoutSubviews() {
-  for (const auto& subview : subviews()) subview->setFrame({{}, bounds().size});
 }
 
 void UIWindow::widgetLost() {

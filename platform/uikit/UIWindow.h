@@ -28,8 +28,12 @@ class UIWindow : public UIView {
   // Takes the window off the screen; its root disappears.
   void close();
 
-  // The controller on top of what is presented here; null without a root.
+  // The controller on top of what is presented here; null where there is none.
   std::shared_ptr<UIViewController> topViewController() const;
+  // What a covering window presents for the host below it; by the presentation.
+  void setPresentedForHost(const std::weak_ptr<UIViewController>& controller) {
+    presentedForHost_ = controller;
+  }
 
   // Called when the toolkit has deleted the window's widget, with a host's window that it was part
   // of. The views are still there then, in no window.
@@ -38,7 +42,6 @@ class UIWindow : public UIView {
   // An embedded or covering window's responder after it: a controller that the host wrapped around
   // a widget above; else the application.
   std::shared_ptr<UIResponder> next() const override;
-  void layoutSubviews() override;
   bool keyPressed(const std::string& key) override;
 
   TouchDispatcher& touches() { return *touches_; }
@@ -59,6 +62,7 @@ class UIWindow : public UIView {
   std::unique_ptr<HostWatch> watch_;
   std::unique_ptr<FocusRing> focusRing_;
   std::shared_ptr<UIViewController> root_;
+  std::weak_ptr<UIViewController> presentedForHost_;
 };
 
 }  // namespace kestrova::platform

@@ -1,0 +1,256 @@
+#include "platform/uikit/ModalPresentation.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QtCore/QPointer>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/Canvas.h"
+#include "platform/uikit/Transition.h"
+#include "platform/uikit/UIScreen.h"
+#include "platform/uikit/UIViewController.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+constexpr double kWide = 600;
+constexpr CGSize kCard{480, 760};
+constexpr double kCardMargin = 24;
+constexpr double kDim = 0.45;
+constexpr double kShadowBlur = 24;
+
+bool isCardIn(CGSize window) {
+  return window.width >= kWide;
+}
+
+// Gives the keyboard's focus back to where it was, if that is still there.
+std::function<void()> focusToRestore() {
+  return [last = QPointer<QWidget>(QApplication::focusWidget())] {
+    if (last && last->isVisible()) last->setFocus(Qt::OtherFocusReason);
+  };
+}
+
+}  // namespace
+
+CGRect ModalPresentation::placeIn(CGSize window) {
+  if (!isCardIn(window)) return {{}, window};
+  const double height = std::min(kCard.height, window.height - 2 * kCardMargin);
+  const double x = std::round((window.width - kCard.width) / 2);
+  return {{x, std::round((window.height - height) / 2)}, {kCard.width, height}};
+}
+
+double ModalPresentation::cornerRadiusOf(const UIView& view) {
+  const auto window = view.window();
+  if (!window || !isCardIn(window->bounds().size)) return 0;
+  const CGRect place = placeIn(window->bounds().size);
+  return CGRect{view.convert({}, nullptr), view.bounds().size} == place ? kCardRadius : 0;
+}
+
+// The ground of a presentation: dims what lies below beside a card, and holds the screen.
+class ModalPresentation::Stage : public UIView {
+ public:
+  void setScreen(const std::shared_ptr<UIView>& screen) {
+    screen_ = screen;
+    addSubview(screen);
+    setNeedsLayout();
+  }
+  // Whether this is the lowest one: the host is dimmed around its card.
+  bool isLowest = false;
+  // Whether the screen stands on a ground of its own.
+  bool hasGround = true;
+  // How far it has come.
+  void setShare(double share) {
+    share_ = share;
+    setNeedsDisplay();
+  }
+
+  CGRect place() const { return placeIn(bounds().size); }
+
+  void layoutSubviews() override {
+    if (const auto screen = screen_.lock()) screen->setFrame(place());
+    if (isLowest) UIScreen::main().setBounds(place());
+  }
+
+ protected:
+  void draw(Canvas& canvas) override {
+    const bool isCard = isCardIn(bounds().size);
+    if (isLowest && isCard) canvas.fill({{}, bounds().size}, UIColor::white(0, kDim * share_));
+    // While it moves the ground moves with the picture.
+    if (share_ < 1 || !hasGround) return;
+    if (isLowest && isCard) {
+      canvas.shadow(place(), kCardRadius, kShadowBlur, UIColor::white(0, 0.12));
+    }
+    canvas.fill(place(), UIColor::white(), isCard ? kCardRadius : 0);
+  }
+
+ private:
+  std::weak_ptr<UIView> screen_;
+  double share_ = 1;
+};
+
+ModalPresentation::ModalPresentation(const std::shared_ptr<UIViewController>& presenter,
+                                     const std::shared_ptr<UIViewController>& presented,
+                                     const std::shared_ptr<UIWindow>& window, bool isOwnWindow)
+    : presenter_(presenter), presented_(presented), window_(window), isOwnWindow_(isOwnWindow) {}
+
+ModalPresentation::~ModalPresentation() = default;
+
+bool ModalPresentation::coversPresenter() const {
+  return presented_->modalPresentationStyle == UIModalPresentationStyle::fullScreen;
+}
+
+bool ModalPresentation::isCard() const {
+  return isCardIn(window_->bounds().size);
+}
+
+void ModalPresentation::show(bool animated, std::function<void()> completion) {
+  const auto self = shared_from_this();
+  const auto presenter = presenter_.lock();
+  restoreFocus_ = focusToRestore();
+  if (completion) pending_.push_back(std::move(completion));
+
+  stage_ = std::make_shared<Stage>();
+  const auto below = presenter->presentedBy_.lock();
+  stage_->isLowest = !below;
+  stage_->hasGround = coversPresenter();
+  stage_->setFillsSuperview(true);
+  stage_->setFrame({{}, window_->bounds().size});
+  if (stage_->isLowest) UIScreen::main().setBounds(stage_->place());
+  if (isOwnWindow_) window_->setPresentedForHost(presented_);
+  const auto view = presented_->view();
+  view->setFrame(stage_->place());
+  // Not seen before everything is in its place.
+  stage_->setHidden(true);
+  stage_->setScreen(view);
+  window_->addSubview(stage_);
+  stage_->layoutIfNeeded();
+
+  if (coversPresenter()) presenter->beginAppearance(false, animated);
+  presented_->beginAppearance(true, animated);
+  if (!window_->widget()) return abandon();
+
+  const CGRect place = stage_->place();
+  if (!animated || !window_->widget()->isVisible()) {
+    stage_->setHidden(false);
+    return showEnded();
+  }
+  stage_->layoutIfNeeded();
+  const auto to = Snapshot::of(*view, {{}, view->bounds().size}, coversPresenter());
+  view->setHidden(true);
+  stage_->setShare(0);
+  stage_->setHidden(false);
+  const bool fades = presented_->modalTransitionStyle == UIModalTransitionStyle::crossDissolve;
+  transition_ = Transition::run(
+      *stage_, place, isCard() ? kCardRadius : 0,
+      fades ? Transition::Kind::fadeIn : Transition::Kind::rise, nullptr, to,
+      [stage = stage_.get()](double share) { stage->setShare(share * 0.999); },
+      [weak = std::weak_ptr<ModalPresentation>(self)] {
+        if (const auto alive = weak.lock()) alive->showEnded();
+      });
+}
+
+void ModalPresentation::showEnded() {
+  const auto self = shared_from_this();
+  const auto finished = std::exchange(transition_, nullptr);
+  stage_->setShare(1);
+  presented_->view()->setHidden(false);
+  if (window_->widget()) window_->widget()->setFocus(Qt::OtherFocusReason);
+  presented_->endAppearance();
+  if (const auto presenter = presenter_.lock(); presenter && coversPresenter()) {
+    presenter->endAppearance();
+  }
+  runPending();
+}
+
+void ModalPresentation::dismiss(bool animated, std::function<void()> completion) {
+  const auto self = shared_from_this();
+  if (completion) pending_.push_back(std::move(completion));
+  if (isBeingDismissed_) return;
+  // A motion that is under way ends where it leads.
+  if (const auto moving = transition_) moving->finish();
+  if (isDown_) return runPending();
+  isBeingDismissed_ = true;
+  const bool visible = window_->widget() && window_->widget()->isVisible();
+  const bool moves = animated && visible;
+  const CGRect place = stage_->place();
+  const auto from = moves ? Snapshot::of(*window_, place) : nullptr;
+
+  presented_->beginAppearance(false, animated);
+  takeAwayAbove();
+  const auto presenter = presenter_.lock();
+  if (coversPresenter() && presenter) presenter->beginAppearance(true, animated);
+  if (!moves || !window_->widget()) return dismissEnded();
+  presented_->view()->setHidden(true);
+  const bool fades = presented_->modalTransitionStyle == UIModalTransitionStyle::crossDissolve;
+  transition_ = Transition::run(
+      *stage_, place, isCard() ? kCardRadius : 0,
+      fades ? Transition::Kind::fadeOut : Transition::Kind::sink, from, nullptr,
+      [stage = stage_.get()](double share) { stage->setShare((1 - share) * 0.999); },
+      [weak = std::weak_ptr<ModalPresentation>(self)] {
+        if (const auto alive = weak.lock()) alive->dismissEnded();
+      });
+}
+
+void ModalPresentation::takeAwayAbove() {
+  const auto above = presented_->presentation_;
+  if (!above) return;
+  if (const auto moving = above->transition_) moving->finish();
+  if (above->isDown_) return;
+  above->isBeingDismissed_ = true;
+  above->presented_->beginAppearance(false, false);
+  above->takeAwayAbove();
+  above->takeAway();
+  above->presented_->endAppearance();
+  above->runPending();
+}
+
+// The screen leaves the window and its presenter's hands.
+void ModalPresentation::takeAway() {
+  isDown_ = true;
+  stage_->removeFromSuperview();
+  presented_->view()->removeFromSuperview();
+  presented_->view()->setHidden(false);
+  presented_->presentedBy_.reset();
+  const auto presenter = presenter_.lock();
+  if (presenter && presenter->presentation_.get() == this) presenter->presentation_.reset();
+  if (isOwnWindow_) window_->close();
+  if (restoreFocus_) restoreFocus_();
+}
+
+void ModalPresentation::dismissEnded() {
+  const auto self = shared_from_this();
+  const auto finished = std::exchange(transition_, nullptr);
+  takeAway();
+  const auto presenter = presenter_.lock();
+  if (coversPresenter() && presenter) presenter->endAppearance();
+  presented_->endAppearance();
+  runPending();
+}
+
+void ModalPresentation::abandon() {
+  const auto self = shared_from_this();
+  if (isDown_) return;
+  transition_.reset();
+  isBeingDismissed_ = true;
+  presented_->beginAppearance(false, false);
+  takeAwayAbove();
+  takeAway();
+  presented_->endAppearance();
+  runPending();
+}
+
+void ModalPresentation::whenStill(std::function<void()> block) {
+  if (!isMoving() && !isBeingDismissed_) return block();
+  pending_.push_back(std::move(block));
+}
+
+void ModalPresentation::runPending() {
+  const auto pending = std::exchange(pending_, {});
+  for (const auto& block : pending) block();
+}
+
+}  // namespace kestrova::platform

@@ -1,0 +1,187 @@
+#include "platform/uikit/Transition.h"
+
+#include <cmath>
+
+#include <QtCore/QPointer>
+#include <QtGui/QMouseEvent>
+#include <QtGui/QPainter>
+#include <QtGui/QPainterPath>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QStyle>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/UIView.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+bool wantsLessMotion() {
+  return QApplication::style()->styleHint(QStyle::SH_Widget_Animation_Duration) == 0;
+}
+
+double durationOf(Transition::Kind kind) {
+  switch (kind) {
+    case Transition::Kind::push:
+    case Transition::Kind::pop:
+      return Transition::kPushDuration;
+    case Transition::Kind::rise:
+    case Transition::Kind::sink:
+      return Transition::kSheetDuration;
+    default:
+      return Transition::kFadeDuration;
+  }
+}
+
+// Fast first, then slower.
+double easedOut(double share) {
+  return 1 - std::pow(1 - share, 3);
+}
+
+}  // namespace
+
+struct Snapshot::Picture {
+  QPixmap pixmap;
+};
+
+std::shared_ptr<const Snapshot> Snapshot::of(const UIView& view, const CGRect& rect,
+                                             bool isOpaque) {
+  auto snapshot = std::make_shared<Snapshot>();
+  snapshot->picture_ = std::make_unique<Picture>();
+  QWidget* widget = view.widget();
+  if (!widget) return snapshot;
+  const QRect area = QRectF(rect.minX(), rect.minY(), rect.size.width, rect.size.height).toRect();
+  QPixmap pixmap(area.size() * widget->devicePixelRatioF());
+  pixmap.setDevicePixelRatio(widget->devicePixelRatioF());
+  pixmap.fill(isOpaque ? Qt::white : Qt::transparent);
+  widget->render(&pixmap, {}, area, QWidget::DrawChildren);
+  snapshot->picture_->pixmap = std::move(pixmap);
+  return snapshot;
+}
+
+class Transition::Cover : public QWidget {
+ public:
+  Cover(QWidget& over, QRect rect, double cornerRadius, Kind kind,
+        std::shared_ptr<const Snapshot> from, std::shared_ptr<const Snapshot> to)
+      : QWidget(&over), kind_(kind), from_(std::move(from)), to_(std::move(to)) {
+    setGeometry(rect);
+    if (cornerRadius > 0) shape_.addRoundedRect(QRectF(this->rect()), cornerRadius, cornerRadius);
+    raise();
+    show();
+  }
+
+  void setShare(double share) {
+    share_ = share;
+    update();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    if (!shape_.isEmpty()) {
+      painter.setRenderHint(QPainter::Antialiasing);
+      painter.setClipPath(shape_);
+    }
+    const double width = this->width();
+    const double height = this->height();
+    switch (kind_) {
+      case Kind::push:
+        draw(painter, from_, {-width / 3 * share_, 0}, 1);
+        draw(painter, to_, {width * (1 - share_), 0}, 1);
+        break;
+      case Kind::pop:
+        draw(painter, to_, {-width / 3 * (1 - share_), 0}, 1);
+        draw(painter, from_, {width * share_, 0}, 1);
+        break;
+      case Kind::rise:
+        draw(painter, to_, {0, height * (1 - share_)}, 1);
+        break;
+      case Kind::sink:
+        draw(painter, from_, {0, height * share_}, 1);
+        break;
+      case Kind::fadeIn:
+        draw(painter, from_, {}, 1);
+        draw(painter, to_, {}, share_);
+        break;
+      case Kind::fadeOut:
+        draw(painter, to_, {}, 1);
+        draw(painter, from_, {}, 1 - share_);
+        break;
+    }
+  }
+
+  // Nothing goes through to the screens below.
+  void mousePressEvent(QMouseEvent* event) override { event->accept(); }
+  void mouseReleaseEvent(QMouseEvent* event) override { event->accept(); }
+  void mouseDoubleClickEvent(QMouseEvent* event) override { event->accept(); }
+
+ private:
+  static void draw(QPainter& painter, const std::shared_ptr<const Snapshot>& snapshot, QPointF at,
+                   double opacity) {
+    if (!snapshot) return;
+    painter.setOpacity(opacity);
+    painter.drawPixmap(at, snapshot->picture().pixmap);
+  }
+
+  Kind kind_;
+  std::shared_ptr<const Snapshot> from_;
+  std::shared_ptr<const Snapshot> to_;
+  QPainterPath shape_;
+  double share_ = 0;
+};
+
+// The toolkit deletes the cover with the widget it lies on.
+struct Transition::Owned {
+  QPointer<Cover> cover;
+  ~Owned() { delete cover; }
+};
+
+Transition::Transition() : owned_(std::make_unique<Owned>()) {}
+
+std::shared_ptr<Transition> Transition::run(UIView& over, const CGRect& rect, double cornerRadius,
+                                            Kind kind, std::shared_ptr<const Snapshot> from,
+                                            std::shared_ptr<const Snapshot> to,
+                                            std::function<void(double)> step,
+                                            std::function<void()> completion) {
+  if (wantsLessMotion()) {
+    const bool leaves = kind == Kind::sink || kind == Kind::pop || kind == Kind::fadeOut;
+    kind = leaves ? Kind::fadeOut : Kind::fadeIn;
+  }
+  std::shared_ptr<Transition> transition(new Transition);
+  transition->completion_ = std::move(completion);
+  const QRect place = QRectF(rect.minX(), rect.minY(), rect.size.width, rect.size.height).toRect();
+  transition->owned_->cover =
+      new Cover(*over.widget(), place, cornerRadius, kind, std::move(from), std::move(to));
+  if (step) step(0);
+  const double duration = durationOf(kind);
+  const double start = AnimationClock::shared().now();
+  transition->motion_ =
+      AnimationClock::shared().run(start + AnimationClock::kFrame,
+                                   [weak = std::weak_ptr<Transition>(transition), start, duration,
+                                    step = std::move(step)](double now) -> std::optional<double> {
+                                     const auto alive = weak.lock();
+                                     if (!alive) return std::nullopt;
+                                     const double share = std::min((now - start) / duration, 1.0);
+                                     if (share < 1) {
+                                       if (alive->owned_->cover)
+                                         alive->owned_->cover->setShare(easedOut(share));
+                                       if (step) step(easedOut(share));
+                                       return now + AnimationClock::kFrame;
+                                     }
+                                     if (step) step(1);
+                                     alive->finish();
+                                     return std::nullopt;
+                                   });
+  return transition;
+}
+
+Transition::~Transition() = default;
+
+void Transition::finish() {
+  delete owned_->cover;
+  motion_.reset();
+  if (const auto completion = std::exchange(completion_, nullptr)) completion();
+}
+
+}  // namespace kestrova::platform

@@ -1,0 +1,170 @@
+#include "platform/uikit/UINavigationController.h"
+
+#include <algorithm>
+
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/ModalPresentation.h"
+#include "platform/uikit/Transition.h"
+#include "platform/uikit/UINavigationBar.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+// The root of a navigation controller: its bar keeps its height.
+class NavigationView : public UIView {
+ public:
+  void setParts(const std::shared_ptr<UIView>& content, const std::shared_ptr<UIView>& bar) {
+    content->setFillsSuperview(true);
+    addSubview(content);
+    addSubview(bar);
+    bar_ = bar;
+  }
+
+  void layoutSubviews() override {
+    const auto bar = bar_.lock();
+    if (bar) bar->setFrame({{}, {bounds().size.width, UINavigationBar::kHeight}});
+  }
+
+ private:
+  std::weak_ptr<UIView> bar_;
+};
+
+bool isShown(const UIView& view) {
+  const auto window = view.window();
+  return window && window->widget() && window->widget()->isVisible();
+}
+
+}  // namespace
+
+UINavigationController::UINavigationController() = default;
+
+UINavigationController::~UINavigationController() = default;
+
+void UINavigationController::setViewControllers(
+    const std::vector<std::shared_ptr<UIViewController>>& controllers) {
+  for (const auto& each : stack_) each->removeFromParent();
+  stack_ = controllers;
+  for (const auto& each : stack_) addChild(each);
+}
+
+std::shared_ptr<UIViewController> UINavigationController::topViewController() const {
+  return stack_.empty() ? nullptr : stack_.back();
+}
+
+std::vector<std::shared_ptr<UIViewController>> UINavigationController::childrenOnDisplay() const {
+  if (stack_.empty()) return {};
+  return {stack_.back()};
+}
+
+void UINavigationController::loadView() {
+  const auto root = std::make_shared<NavigationView>();
+  content_ = std::make_shared<UIView>();
+  bar_ = std::make_shared<UINavigationBar>(
+      [weak = std::weak_ptr<UINavigationController>(shared(this))] {
+        if (const auto alive = weak.lock()) alive->goBack();
+      });
+  root->setParts(content_, bar_);
+  setView(root);
+}
+
+void UINavigationController::viewDidLoad() {
+  const auto top = topViewController();
+  if (!top) return;
+  if (const auto asked = delegate.lock()) {
+    asked->navigationControllerWillShow(*this, *top, false);
+  }
+  place(top);
+  itemChanged();
+}
+
+void UINavigationController::place(const std::shared_ptr<UIViewController>& controller) {
+  const auto view = controller->view();
+  view->setFillsSuperview(true);
+  view->setFrame({{}, content_->bounds().size});
+  content_->addSubview(view);
+  view->layoutIfNeeded();
+}
+
+void UINavigationController::itemChanged() {
+  const auto top = topViewController();
+  if (bar_ && top) bar_->show(top->navigationItem(), stack_.size() > 1);
+}
+
+void UINavigationController::pushViewController(const std::shared_ptr<UIViewController>& controller,
+                                                bool animated) {
+  if (std::find(stack_.begin(), stack_.end(), controller) != stack_.end()) return;
+  finishMotion();
+  const auto from = topViewController();
+  addChild(controller);
+  stack_.push_back(controller);
+  exchange(from, controller, true, animated);
+}
+
+std::shared_ptr<UIViewController> UINavigationController::popViewController(bool animated) {
+  finishMotion();
+  if (stack_.size() < 2) return nullptr;
+  const auto from = stack_.back();
+  stack_.pop_back();
+  exchange(from, stack_.back(), false, animated);
+  return from;
+}
+
+bool UINavigationController::goBack() {
+  if (UIViewController::goBack()) return true;
+  const auto top = topViewController();
+  if (!top || stack_.size() < 2 || top->navigationItem().hidesBackButton) return false;
+  return popViewController(true) != nullptr;
+}
+
+void UINavigationController::exchange(const std::shared_ptr<UIViewController>& from,
+                                      const std::shared_ptr<UIViewController>& to, bool forward,
+                                      bool animated) {
+  if (!viewIfLoaded()) return;
+  const auto self = shared(this);
+  if (const auto asked = delegate.lock()) asked->navigationControllerWillShow(*this, *to, animated);
+  const bool moves = animated && from && isAppearing() && isShown(*content_);
+  const CGRect whole{{}, content_->bounds().size};
+  // Before the old screen strips what it shows.
+  const auto old = moves ? Snapshot::of(*content_, whole, true) : nullptr;
+  if (from && isAppearing()) from->beginAppearance(false, animated);
+  place(to);
+  if (isAppearing()) to->beginAppearance(true, animated);
+  itemChanged();
+  content_->layoutIfNeeded();
+
+  auto end = [weak = std::weak_ptr<UINavigationController>(self), from, to, forward, animated] {
+    const auto alive = weak.lock();
+    if (!alive) return;
+    const auto finished = std::exchange(alive->transition_, nullptr);
+    to->view()->setHidden(false);
+    if (from) {
+      from->view()->removeFromSuperview();
+      from->view()->setHidden(false);
+      from->endAppearance();
+      if (!forward) from->removeFromParent();
+    }
+    to->endAppearance();
+    if (const auto window = alive->viewIfLoaded()->window(); window && window->widget()) {
+      window->widget()->setFocus(Qt::OtherFocusReason);
+    }
+    if (const auto asked = alive->delegate.lock()) {
+      asked->navigationControllerDidShow(*alive, *to, animated);
+    }
+  };
+  if (!moves) return end();
+  if (from) from->view()->setHidden(true);
+  const auto fresh = Snapshot::of(*content_, whole, true);
+  to->view()->setHidden(true);
+  transition_ = Transition::run(*content_, whole, ModalPresentation::cornerRadiusOf(*content_),
+                                forward ? Transition::Kind::push : Transition::Kind::pop, old,
+                                fresh, {}, std::move(end));
+}
+
+void UINavigationController::finishMotion() {
+  if (const auto moving = transition_) moving->finish();
+}
+
+}  // namespace kestrova::platform
