@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include <QtCore/QPointer>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
 #include "platform/uikit/Canvas.h"
@@ -27,9 +26,10 @@ bool isCardIn(CGSize window) {
   return window.width >= kWide;
 }
 
-// Gives the keyboard's focus back to where it was, if that is still there.
-std::function<void()> focusToRestore() {
-  return [last = QPointer<QWidget>(QApplication::focusWidget())] {
+// Gives the keyboard's focus back to where it was in the widget's window, if that is still there.
+std::function<void()> focusToRestore(const QWidget* widget) {
+  QWidget* const focused = widget ? widget->window()->focusWidget() : nullptr;
+  return [last = QPointer<QWidget>(focused)] {
     if (last && last->isVisible()) last->setFocus(Qt::OtherFocusReason);
   };
 }
@@ -55,6 +55,7 @@ class ModalPresentation::Stage : public UIView {
  public:
   void setScreen(const std::shared_ptr<UIView>& screen) {
     screen_ = screen;
+    screen->setAutoresizing(UIViewAutoresizing::none, {});
     addSubview(screen);
     setNeedsLayout();
   }
@@ -110,14 +111,14 @@ bool ModalPresentation::isCard() const {
 void ModalPresentation::show(bool animated, std::function<void()> completion) {
   const auto self = shared_from_this();
   const auto presenter = presenter_.lock();
-  restoreFocus_ = focusToRestore();
+  restoreFocus_ = focusToRestore(window_->widget());
   if (completion) pending_.push_back(std::move(completion));
 
   stage_ = std::make_shared<Stage>();
   const auto below = presenter->presentedBy_.lock();
   stage_->isLowest = !below;
   stage_->hasGround = coversPresenter();
-  stage_->setFillsSuperview(true);
+  stage_->fillSuperview();
   stage_->setFrame({{}, window_->bounds().size});
   if (stage_->isLowest) UIScreen::main().setBounds(stage_->place());
   if (isOwnWindow_) window_->setPresentedForHost(presented_);

@@ -12,14 +12,18 @@ class NSLayoutConstraint {
  public:
   enum class Attribute { width, height };
 
-  NSLayoutConstraint(std::string identifier, Attribute attribute, double constant)
+  // One that is not required gives way where the superview is too small.
+  NSLayoutConstraint(std::string identifier, Attribute attribute, double constant,
+                     bool isRequired = true)
       : identifier_(std::move(identifier)),
         attribute_(attribute),
+        isRequired_(isRequired),
         constant_(constant),
         shown_(constant) {}
 
   const std::string& identifier() const { return identifier_; }
   Attribute attribute() const { return attribute_; }
+  bool isRequired() const { return isRequired_; }
   // Points. A change shows with the next layout pass, in an animation where that pass is made in
   // an animation block; meanwhile this is the new value.
   double constant() const { return constant_; }
@@ -30,6 +34,7 @@ class NSLayoutConstraint {
 
   std::string identifier_;
   Attribute attribute_;
+  bool isRequired_;
   double constant_;
   // What the layout has at this moment, and what it moves to.
   double shown_;

@@ -17,7 +17,7 @@ namespace {
 class NavigationView : public UIView {
  public:
   void setParts(const std::shared_ptr<UIView>& content, const std::shared_ptr<UIView>& bar) {
-    content->setFillsSuperview(true);
+    content->fillSuperview();
     addSubview(content);
     addSubview(bar);
     bar_ = bar;
@@ -82,7 +82,7 @@ void UINavigationController::viewDidLoad() {
 
 void UINavigationController::place(const std::shared_ptr<UIViewController>& controller) {
   const auto view = controller->view();
-  view->setFillsSuperview(true);
+  view->fillSuperview();
   view->setFrame({{}, content_->bounds().size});
   content_->addSubview(view);
   view->layoutIfNeeded();

@@ -103,9 +103,16 @@ class UIView::Widget : public QWidget {
   void forget() { view_ = nullptr; }
   UIView* view() const { return view_; }
 
-  QSize sizeHint() const override { return layout() || !view_ ? QWidget::sizeHint() : fitting(-1); }
+  // Lengths that a constraint wants and that give way; -1 for none.
+  QSize wish{-1, -1};
+
+  QSize sizeHint() const override {
+    return wished(layout() || !view_ ? QWidget::sizeHint() : fitting(-1));
+  }
   QSize minimumSizeHint() const override {
-    return layout() || !view_ ? QWidget::minimumSizeHint() : QSize(0, fitting(-1).height());
+    const QSize least =
+        layout() || !view_ ? QWidget::minimumSizeHint() : QSize(0, fitting(-1).height());
+    return {wish.width() < 0 ? least.width() : 0, wish.height() < 0 ? least.height() : 0};
   }
   bool hasHeightForWidth() const override {
     return layout() || !view_ ? QWidget::hasHeightForWidth() : view_->heightDependsOnWidth();
@@ -134,6 +141,8 @@ class UIView::Widget : public QWidget {
 
   bool event(QEvent* event) override {
     if (view_ && event->type() == QEvent::LayoutRequest) {
+      // Without a layout of its own it is a view below that wants another size.
+      if (!layout()) view_->needsLayout_ = true;
       view_->settleConstraints();
       view_->layoutPass();
     }
@@ -195,6 +204,11 @@ class UIView::Widget : public QWidget {
     const double limit = 1e6;
     const CGSize size = view_->sizeThatFits({width < 0 ? limit : double(width), limit});
     return {int(std::ceil(size.width)), int(std::ceil(size.height))};
+  }
+
+  QSize wished(QSize hint) const {
+    return {wish.width() < 0 ? hint.width() : wish.width(),
+            wish.height() < 0 ? hint.height() : wish.height()};
   }
 
   void focusChanged() {
@@ -427,9 +441,41 @@ void UIView::invalidateIntrinsicContentSize() {
   if (superview_) superview_->setNeedsLayout();
 }
 
-void UIView::setFillsSuperview(bool fills) {
-  fillsSuperview_ = fills;
+void UIView::setAutoresizing(UIViewAutoresizing mask, CGSize designedIn) {
+  if (mask == UIViewAutoresizing::none) return autoresizing_.reset();
+  autoresizing_ = Autoresizing{mask, frame(), designedIn};
   if (superview_) superview_->setNeedsLayout();
+}
+
+void UIView::fillSuperview() {
+  autoresizing_ =
+      Autoresizing{UIViewAutoresizing::flexibleWidth | UIViewAutoresizing::flexibleHeight, {}, {}};
+  if (superview_) superview_->setNeedsLayout();
+}
+
+namespace {
+
+// An origin and a length after the superview has grown by `more`, which the flexible parts share.
+std::pair<double, double> stretched(double origin, double length, double more, bool before,
+                                    bool itself, bool after) {
+  const int parts = int(before) + int(itself) + int(after);
+  const double share = parts > 0 ? more / parts : 0;
+  return {origin + (before ? share : 0), std::max(0.0, length + (itself ? share : 0))};
+}
+
+}  // namespace
+
+void UIView::autoresize(CGSize superview) {
+  if (!autoresizing_) return;
+  using enum UIViewAutoresizing;
+  const auto& [mask, designed, from] = *autoresizing_;
+  const auto [x, width] = stretched(designed.origin.x, designed.size.width,
+                                    superview.width - from.width, has(mask, flexibleLeftMargin),
+                                    has(mask, flexibleWidth), has(mask, flexibleRightMargin));
+  const auto [y, height] = stretched(designed.origin.y, designed.size.height,
+                                     superview.height - from.height, has(mask, flexibleTopMargin),
+                                     has(mask, flexibleHeight), has(mask, flexibleBottomMargin));
+  setFrame({{x, y}, {width, height}});
 }
 
 void UIView::setNeedsLayout() {
@@ -448,9 +494,7 @@ void UIView::layoutPass() {
   const auto self = shared(this);
   layoutSubviews();
   const auto subviews = subviews_;
-  for (const auto& subview : subviews) {
-    if (subview->fillsSuperview_) subview->setFrame({{}, bounds().size});
-  }
+  for (const auto& subview : subviews) subview->autoresize(bounds().size);
 }
 
 void UIView::layoutTree() {
@@ -478,11 +522,18 @@ void UIView::apply(const NSLayoutConstraint& constraint) {
   const auto view = constraint.view_.lock();
   if (!view || !view->widget_) return;
   const int length = std::max(0, int(std::lround(constraint.shown_)));
+  // One that gives way is a wish with the length as its limit.
+  const bool isRequired = constraint.isRequired();
   if (constraint.attribute() == NSLayoutConstraint::Attribute::height) {
-    view->widget_->setFixedHeight(length);
+    view->widget_->setMinimumHeight(isRequired ? length : 0);
+    view->widget_->setMaximumHeight(length);
+    if (!isRequired) view->widget_->wish.setHeight(length);
   } else {
-    view->widget_->setFixedWidth(length);
+    view->widget_->setMinimumWidth(isRequired ? length : 0);
+    view->widget_->setMaximumWidth(length);
+    if (!isRequired) view->widget_->wish.setWidth(length);
   }
+  view->widget_->updateGeometry();
 }
 
 void NSLayoutConstraint::setConstant(double constant) {

@@ -23,6 +23,24 @@ class UITouch;
 class UIViewController;
 class UIWindow;
 
+// Which distances of a view to its superview's edges, or which of its own lengths, change with the
+// superview's size; the others keep what they were designed with.
+enum class UIViewAutoresizing : unsigned {
+  none = 0,
+  flexibleLeftMargin = 1,
+  flexibleWidth = 2,
+  flexibleRightMargin = 4,
+  flexibleTopMargin = 8,
+  flexibleHeight = 16,
+  flexibleBottomMargin = 32,
+};
+constexpr UIViewAutoresizing operator|(UIViewAutoresizing a, UIViewAutoresizing b) {
+  return UIViewAutoresizing(unsigned(a) | unsigned(b));
+}
+constexpr bool has(UIViewAutoresizing mask, UIViewAutoresizing part) {
+  return (unsigned(mask) & unsigned(part)) != 0;
+}
+
 enum class UIViewContentMode {
   scaleToFill = 0,
   scaleAspectFit = 1,
@@ -88,9 +106,11 @@ class UIView : public UIResponder {
   }
   void addConstraint(const std::shared_ptr<NSLayoutConstraint>& constraint);
 
-  // Keeps the size of the superview with each of its layout passes.
-  bool fillsSuperview() const { return fillsSuperview_; }
-  void setFillsSuperview(bool fills);
+  // Follows the superview's size with each of its layout passes, from the frame that the view has
+  // now in a superview of the size `designedIn`.
+  void setAutoresizing(UIViewAutoresizing mask, CGSize designedIn);
+  // Keeps the superview's size.
+  void fillSuperview();
 
   // Asks for a layout pass soon; layoutIfNeeded() makes one at once, of everything below this view.
   void setNeedsLayout();
@@ -145,7 +165,7 @@ class UIView : public UIResponder {
   void becomeFocused();
   // A key that reached the focused view or one below this one: true where it was used.
   virtual bool keyPressed(const std::string& key);
-  // The shape of the focus ring, in this view's coordinates, and its corner radius.
+  // The shape of the focus ring, in this view's coordinates; none where it is empty.
   virtual CGRect focusRect() const;
 
   // Called on a view that a nib or storyboard holds; what it returns takes its place there.
@@ -190,6 +210,14 @@ class UIView : public UIResponder {
 
   void applyFrame();
   void place(const std::shared_ptr<UIView>& view, std::size_t index);
+  // How the view lay in its superview when it was designed.
+  struct Autoresizing {
+    UIViewAutoresizing mask;
+    CGRect frame;
+    CGSize superview;
+  };
+
+  void autoresize(CGSize superview);
   UIView& top();
   bool isInWindowNow() const;
   void notifyWindow();
@@ -208,6 +236,7 @@ class UIView : public UIResponder {
   std::vector<std::shared_ptr<NSLayoutConstraint>> constraints_;
   std::vector<std::shared_ptr<UIGestureRecognizer>> gestureRecognizers_;
   std::weak_ptr<UIViewController> viewController_;
+  std::optional<Autoresizing> autoresizing_;
   std::shared_ptr<const void> redraw_;
   bool isHidden_ = false;
   bool isInWindow_ = false;
@@ -215,7 +244,6 @@ class UIView : public UIResponder {
   bool isFocusable_ = false;
   bool needsLayout_ = true;
   bool translatesAutoresizingMask_ = true;
-  bool fillsSuperview_ = false;
   UIViewContentMode contentMode_ = UIViewContentMode::scaleToFill;
   std::string accessibilityLabel_;
   UIAccessibilityRole accessibilityRole_ = UIAccessibilityRole::none;

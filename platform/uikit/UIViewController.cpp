@@ -71,7 +71,13 @@ void UIViewController::setView(const std::shared_ptr<UIView>& view) {
 void UIViewController::loadView() {
   if (scene_ && scene_->loadView) {
     auto loaded = scene_->loadView(*this);
-    if (loaded) return setView(loaded.value());
+    if (loaded) {
+      setView(loaded.value());
+      // The size that screens are designed at, until the screen has one.
+      view_->setFrame({{}, {375, 667}});
+      view_->layoutIfNeeded();
+      return;
+    }
     print("Kestrova: the screen \"" + scene_->identifier +
           "\" cannot be loaded: " + loaded.error().localizedDescription);
   }
@@ -89,7 +95,7 @@ void UIViewController::embedChildren() {
     addChild(destination.value());
     prepare({way.identifier, way.kind, shared(this), destination.value()}, shared(this));
     const auto inner = destination.value()->view();
-    inner->setFillsSuperview(true);
+    inner->fillSuperview();
     inner->setFrame({{}, container->bounds().size});
     container->addSubview(inner);
   }

@@ -12,6 +12,7 @@
 #include "platform/uikit/TouchDispatcher.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIControl.h"
+#include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UIViewController.h"
 
 namespace kestrova::platform {
@@ -87,7 +88,7 @@ void UIWindow::setRootViewController(const std::shared_ptr<UIViewController>& co
   if (!root_) return;
   const auto view = root_->view();
   view->setFrame({{}, bounds().size});
-  view->setFillsSuperview(true);
+  view->fillSuperview();
   insertSubview(view, 0);
   view->layoutIfNeeded();
   if (!visible) return;
@@ -151,6 +152,16 @@ bool holdsFocus(const UIView& view) {
          (view.widget() == focused || view.widget()->isAncestorOf(focused));
 }
 
+void reveal(const std::shared_ptr<UIView>& view) {
+  for (auto above = view->superview(); above; above = above->superview()) {
+    const auto scrollView = std::dynamic_pointer_cast<UIScrollView>(above);
+    if (!scrollView) continue;
+    const CGRect bounds = view->bounds();
+    const CGPoint origin = view->convert(bounds.origin, scrollView.get());
+    scrollView->scrollRectToVisible({origin, bounds.size}, true);
+  }
+}
+
 }  // namespace
 
 bool UIWindow::moveFocus(bool forward) {
@@ -179,6 +190,7 @@ bool UIWindow::moveFocus(bool forward) {
     target = (at + (forward ? 1 : count - 1)) % count;
   }
   order[target]->becomeFocused();
+  reveal(order[target]);
   return true;
 }
 

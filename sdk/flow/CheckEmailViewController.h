@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/foundation/NotificationCenter.h"
+#include "platform/uikit/UITextFieldDelegate.h"
+#include "platform/uikit/UIViewController.h"
+#include "sdk/Platform.h"
+
+namespace kestrova::platform {
+class UIButton;
+class UIScrollView;
+class UITextField;
+}  // namespace kestrova::platform
+
+namespace kestrova {
+
+class SpinnerView;
+
+// Where the user gives an e-mail address.
+class CheckEmailViewController : public UIViewController, public UITextFieldDelegate {
+ public:
+  // The field while it is edited, and until then; none afterwards.
+  std::weak_ptr<UITextField> emailTextfield;
+  std::weak_ptr<UIScrollView> scrollView;
+  std::weak_ptr<UIView> bottomRightImg;
+  std::weak_ptr<UIButton> startButton;
+  std::weak_ptr<SpinnerView> spinner;
+  // The field's text after the last edit.
+  std::string emailAddress;
+
+  void bind(UIBindings& bindings) override;
+  void viewDidLoad() override;
+  void viewWillDisappear(bool animated) override;
+
+  void textFieldDidBeginEditing(UITextField& textField) override;
+  void textFieldDidEndEditing(UITextField& textField) override;
+  bool textFieldShouldReturn(UITextField& textField) override;
+  void textFieldDidChange(const std::shared_ptr<UIControl>& sender);
+  void nextButtonPressed(const std::shared_ptr<UIControl>& sender);
+  void keyboardWasShown(const Notification& notification);
+  void keyboardWillBeHidden(const Notification& notification);
+
+  static bool isValidEmail(std::string_view text);
+  void enterEmailAddress();
+  void signupEmailToBackend(const std::string& apiKey, const std::string& authentication_key,
+                            const std::string& email);
+  void startProcessAsNewUserAuthenticate();
+
+ private:
+  void hideBottomRightOnSmallDevices();
+  void styleTextfieldAndButton();
+  void registerForKeyboardNotifications();
+};
+
+}  // namespace kestrova

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/uikit/UIViewController.h"
+#include "sdk/Platform.h"
+
+namespace kestrova {
+
+class SpinnerView;
+
+class MoveHeadViewController : public UIViewController {
+ public:
+  std::weak_ptr<UIView> headGIFContainer;
+  std::weak_ptr<UIView> loadingView;
+  std::weak_ptr<SpinnerView> spinner;
+
+  void bind(UIBindings& bindings) override;
+  void viewWillAppear(bool animated) override;
+  void viewWillDisappear(bool animated) override;
+  void recordSelfieVideo(const std::shared_ptr<UIControl>& sender);
+  void playHeadGIF();
+};
+
+}  // namespace kestrova

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/uikit/UIViewController.h"
+#include "sdk/Platform.h"
+
+namespace kestrova {
+
+class SpinnerView;
+
+class ScanIDInstructionsViewController : public UIViewController {
+ public:
+  std::weak_ptr<UIView> IDGIFCointainer;
+  std::weak_ptr<UIView> loadingView;
+  std::weak_ptr<SpinnerView> spinner;
+  // The backend's name of the document; set before the screen is shown.
+  std::string selectedDocumentType;
+
+  void bind(UIBindings& bindings) override;
+  void viewWillAppear(bool animated) override;
+  void viewWillDisappear(bool animated) override;
+  void takePhotoOfFrontDocument(const std::shared_ptr<UIControl>& sender);
+  void playIDGIF();
+};
+
+}  // namespace kestrova

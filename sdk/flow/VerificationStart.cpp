@@ -1,0 +1,66 @@
+#include "sdk/flow/VerificationStart.h"
+
+#include <optional>
+
+#include "platform/uikit/UIBindings.h"
+#include "sdk/flow/CheckEmailViewController.h"
+#include "sdk/flow/ChooseCitizenViewController.h"
+#include "sdk/flow/ChooseDocumentTypeViewController.h"
+#include "sdk/flow/CongratsViewController.h"
+#include "sdk/flow/MoveHeadViewController.h"
+#include "sdk/flow/ScanBacksideViewController.h"
+#include "sdk/flow/ScanIDInstructionsViewController.h"
+#include "sdk/ui/ProgressStepsView.h"
+
+namespace kestrova {
+
+namespace {
+
+// None for a screen that is no step of its own.
+std::optional<std::size_t> stepOf(const UIViewController& screen) {
+  if (dynamic_cast<const ChooseCitizenViewController*>(&screen)) return 0;
+  if (dynamic_cast<const CheckEmailViewController*>(&screen)) return 1;
+  if (dynamic_cast<const MoveHeadViewController*>(&screen)) return 2;
+  if (dynamic_cast<const ChooseDocumentTypeViewController*>(&screen)) return 3;
+  if (dynamic_cast<const ScanIDInstructionsViewController*>(&screen)) return 4;
+  if (dynamic_cast<const ScanBacksideViewController*>(&screen)) return 5;
+  if (dynamic_cast<const CongratsViewController*>(&screen)) return ProgressStepsView::kSteps;
+  return std::nullopt;
+}
+
+}  // namespace
+
+void VerificationStart::bind(UIBindings& bindings) {
+  bindings.outlet("progressSteps", progressSteps);
+  bindings.action("exitVerification:", shared(this), &VerificationStart::exitVerification);
+}
+
+void VerificationStart::viewDidLoad() {
+  UIViewController::viewDidLoad();
+}
+
+void VerificationStart::prepare(const UIStoryboardSegue& segue,
+                                const std::shared_ptr<UIViewController>&) {
+  if (const auto navigation =
+          std::dynamic_pointer_cast<UINavigationController>(segue.destination)) {
+    navigation->delegate = shared(this);
+  }
+}
+
+void VerificationStart::navigationControllerWillShow(UINavigationController&,
+                                                     UIViewController& screen, bool) {
+  const auto steps = progressSteps.lock();
+  const auto step = stepOf(screen);
+  if (steps && step) steps->setCurrentStep(*step);
+}
+
+void VerificationStart::exitVerification(const std::shared_ptr<UIControl>&) {
+  dismiss(true);
+}
+
+bool VerificationStart::accessibilityPerformEscape() {
+  dismiss(true);
+  return true;
+}
+
+}  // namespace kestrova

@@ -1,0 +1,43 @@
+#include "sdk/flow/WarningViewController.h"
+
+#include "platform/uikit/UIBindings.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UINavigationController.h"
+#include "sdk/flow/CheckEmailViewController.h"
+#include "sdk/flow/ChooseCitizenViewController.h"
+#include "sdk/flow/ChooseDocumentTypeViewController.h"
+
+namespace kestrova {
+
+void WarningViewController::bind(UIBindings& bindings) {
+  bindings.outlet("leaveButton", leaveButton);
+  bindings.action("leaveTapped:", shared(this), &WarningViewController::leaveTapped);
+}
+
+void WarningViewController::viewDidLoad() {
+  UIViewController::viewDidLoad();
+  const auto button = leaveButton.lock();
+  if (button && !canTryAgain()) button->setTitle("Close");
+}
+
+bool WarningViewController::canTryAgain() const {
+  const auto navigation = navigationController();
+  if (!navigation) return false;
+  const auto& stack = navigation->viewControllers();
+  if (stack.size() < 2) return false;
+  // The screen below this one.
+  const auto* below = stack[stack.size() - 2].get();
+  return dynamic_cast<const ChooseCitizenViewController*>(below) ||
+         dynamic_cast<const CheckEmailViewController*>(below) ||
+         dynamic_cast<const ChooseDocumentTypeViewController*>(below);
+}
+
+void WarningViewController::leaveTapped(const std::shared_ptr<UIControl>&) {
+  if (canTryAgain()) {
+    navigationController()->popViewController(true);
+  } else {
+    dismiss(true);
+  }
+}
+
+}  // namespace kestrova

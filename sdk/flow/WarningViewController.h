@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/uikit/UIViewController.h"
+#include "sdk/Platform.h"
+
+namespace kestrova::platform {
+class UIButton;
+}
+
+namespace kestrova {
+
+// Says that the verification cannot go on. Its button leads back where the screen below can be used
+// again, else out of the flow.
+class WarningViewController : public UIViewController {
+ public:
+  std::weak_ptr<UIButton> leaveButton;
+
+  void bind(UIBindings& bindings) override;
+  void viewDidLoad() override;
+  void leaveTapped(const std::shared_ptr<UIControl>& sender);
+
+ private:
+  bool canTryAgain() const;
+};
+
+}  // namespace kestrova

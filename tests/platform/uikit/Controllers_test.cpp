@@ -1,0 +1,310 @@
+#include <string>
+#include <vector>
+
+#include <QtTest/QTest>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/ModalPresentation.h"
+#include "platform/uikit/UIAlertController.h"
+#include "platform/uikit/UIControl.h"
+#include "platform/uikit/UINavigationBar.h"
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UIStoryboardScene.h"
+#include "platform/uikit/UIWindow.h"
+#include "tests/platform/uikit/Interface.h"
+#include "tests/support/StandardOutput.h"
+
+namespace kestrova::platform {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+// Writes down what it is told.
+class Screen : public UIViewController {
+ public:
+  Screen(std::string name, Calls& calls) : name_(std::move(name)), calls_(calls) {}
+
+  void viewDidLoad() override { note("didLoad"); }
+  void viewWillAppear(bool) override {
+    widthAtAppearance = view()->bounds().size.width;
+    note("willAppear");
+  }
+  void viewDidAppear(bool) override { note("didAppear"); }
+  void viewWillDisappear(bool) override { note("willDisappear"); }
+  void viewDidDisappear(bool) override { note("didDisappear"); }
+
+  double widthAtAppearance = 0;
+
+ private:
+  void note(const char* what) { calls_.push_back(name_ + " " + what); }
+
+  std::string name_;
+  Calls& calls_;
+};
+
+class Controllers : public test::Interface {
+ protected:
+  std::shared_ptr<Screen> screen(const std::string& name) {
+    return std::make_shared<Screen>(name, calls);
+  }
+  Calls take() { return std::exchange(calls, {}); }
+  // Lets a motion come to its end.
+  static void settle() { AnimationClock::shared().advance(1); }
+
+  Calls calls;
+};
+
+TEST_F(Controllers, TellAboutPushAndPopInThePlatformsOrder) {
+  const auto a = screen("a");
+  const auto b = screen("b");
+  const auto navigation = std::make_shared<UINavigationController>();
+  navigation->setViewControllers({a});
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(navigation);
+  window->makeKeyAndVisible();
+  EXPECT_EQ(take(), (Calls{"a didLoad", "a willAppear", "a didAppear"}));
+  EXPECT_TRUE(navigation->navigationBar()->backButton()->isHidden());
+
+  navigation->pushViewController(b, true);
+  EXPECT_EQ(take(), (Calls{"a willDisappear", "b didLoad", "b willAppear"}));
+  EXPECT_EQ(b->widthAtAppearance, 375);
+  settle();
+  EXPECT_EQ(take(), (Calls{"a didDisappear", "b didAppear"}));
+  EXPECT_EQ(a->view()->superview(), nullptr);
+
+  // A pop while the push still moves brings the push to its end first.
+  const auto c = screen("c");
+  navigation->pushViewController(c, true);
+  take();
+  QTest::keyClick(window->widget(), Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(take(), (Calls{"b didDisappear", "c didAppear", "c willDisappear", "b willAppear"}));
+  settle();
+  EXPECT_EQ(take(), (Calls{"c didDisappear", "b didAppear"}));
+
+  tap(*window, *navigation->navigationBar()->backButton());
+  settle();
+  EXPECT_EQ(navigation->topViewController(), a);
+  EXPECT_FALSE(navigation->goBack());
+}
+
+TEST_F(Controllers, OfferNoWayBackWhereTheScreenHidesIt) {
+  const auto navigation = std::make_shared<UINavigationController>();
+  navigation->setViewControllers({screen("a")});
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(navigation);
+  window->makeKeyAndVisible();
+  const auto b = screen("b");
+  b->setNavigationItem({"", true});
+  navigation->pushViewController(b, false);
+  EXPECT_TRUE(navigation->navigationBar()->backButton()->isHidden());
+  QTest::keyClick(window->widget(), Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(navigation->topViewController(), b);
+  b->setNavigationItem({"", false});
+  EXPECT_FALSE(navigation->navigationBar()->backButton()->isHidden());
+}
+
+TEST_F(Controllers, TellAboutAFullScreenAndAnOverlayDifferently) {
+  const auto base = screen("base");
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(base);
+  window->makeKeyAndVisible();
+  take();
+
+  const auto full = screen("full");
+  bool shown = false;
+  base->present(full, true, [&] { shown = true; });
+  EXPECT_EQ(take(), (Calls{"full didLoad", "base willDisappear", "full willAppear"}));
+  settle();
+  EXPECT_TRUE(shown);
+  EXPECT_EQ(take(), (Calls{"full didAppear", "base didDisappear"}));
+  EXPECT_EQ(full->presentingViewController(), base);
+
+  const auto over = screen("over");
+  over->modalPresentationStyle = UIModalPresentationStyle::overCurrentContext;
+  full->present(over, true);
+  settle();
+  EXPECT_EQ(take(), (Calls{"over didLoad", "over willAppear", "over didAppear"}));
+
+  // The lower one takes the upper one with it.
+  bool gone = false;
+  full->view();
+  base->dismiss(true, [&] { gone = true; });
+  settle();
+  EXPECT_TRUE(gone);
+  EXPECT_EQ(take(), (Calls{"full willDisappear", "over willDisappear", "over didDisappear",
+                           "base willAppear", "base didAppear", "full didDisappear"}));
+  EXPECT_EQ(base->presentedViewController(), nullptr);
+  EXPECT_EQ(over->presentingViewController(), nullptr);
+}
+
+TEST_F(Controllers, EndAPresentationThatIsInterrupted) {
+  const auto base = screen("base");
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(base);
+  window->makeKeyAndVisible();
+  const auto full = screen("full");
+  base->present(full, true);
+  take();
+  AnimationClock::shared().advance(0.1);
+  full->dismiss(true);
+  EXPECT_EQ(take(), (Calls{"full didAppear", "base didDisappear", "full willDisappear",
+                           "base willAppear"}));
+  settle();
+  EXPECT_EQ(take(), (Calls{"base didAppear", "full didDisappear"}));
+
+  // A request during the dismissal waits for its end.
+  base->present(full, false);
+  full->dismiss(true);
+  const auto next = screen("next");
+  base->present(next, false);
+  EXPECT_EQ(base->presentedViewController(), full);
+  settle();
+  EXPECT_EQ(base->presentedViewController(), next);
+}
+
+TEST_F(Controllers, ReturnFromAnAlertByEveryWay) {
+  const auto base = screen("base");
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(base);
+  window->makeKeyAndVisible();
+  for (const auto key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space}) {
+    int handled = 0;
+    const auto alert = std::make_shared<UIAlertController>("Error", "Something is wrong");
+    alert->addAction(std::make_shared<UIAlertAction>("OK", UIAlertActionStyle::standard,
+                                                     [&](UIAlertAction&) { ++handled; }));
+    base->present(alert, true);
+    settle();
+    QWidget* focused = QApplication::focusWidget();
+    ASSERT_NE(focused, nullptr);
+    QTest::keyClick(focused, key);
+    QTest::keyClick(window->widget(), Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(handled, 1);
+    EXPECT_EQ(base->presentedViewController(), nullptr);
+  }
+}
+
+TEST_F(Controllers, DropASegueFromAScreenThatIsNotOnTop) {
+  const auto first = screen("first");
+  const auto navigation = std::make_shared<UINavigationController>();
+  navigation->setViewControllers({first});
+  auto scene = std::make_shared<UIStoryboardScene>();
+  scene->identifier = "first";
+  scene->segues = {{"go", UIStoryboardSegue::Kind::push, "second", ""}};
+  scene->instantiate =
+      [this](const std::string& name) -> Result<std::shared_ptr<UIViewController>> {
+    return std::shared_ptr<UIViewController>(screen(name));
+  };
+  first->setScene(scene);
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(navigation);
+  window->makeKeyAndVisible();
+
+  test::StandardOutput output;
+  first->performSegue("nowhere", first);
+  first->performSegue("go", first);
+  first->performSegue("go", first);
+  EXPECT_EQ(navigation->viewControllers().size(), 2U);
+  EXPECT_EQ(output.text(),
+            "Kestrova: the screen has no segue \"nowhere\"\n"
+            "Kestrova: the segue \"go\" is dropped: its screen is not on top\n");
+  settle();
+
+  // While the screen's own modal goes away a segue waits.
+  navigation->popViewController(false);
+  const auto modal = screen("modal");
+  first->present(modal, false);
+  modal->dismiss(true);
+  first->performSegue("go", first);
+  EXPECT_EQ(navigation->viewControllers().size(), 1U);
+  settle();
+  EXPECT_EQ(navigation->viewControllers().size(), 2U);
+}
+
+TEST_F(Controllers, PresentOverAHostsWindowAndOutliveIt) {
+  auto host = std::make_unique<QWidget>();
+  host->resize(1280, 800);
+  auto* button = new QPushButton("Host", host.get());
+  host->show();
+  button->setFocus();
+  const auto wrapper = UIViewController::wrapping(*button);
+  const auto flow = screen("flow");
+  wrapper->present(flow, true);
+  settle();
+  // A card in the middle from 600 points of width on.
+  EXPECT_EQ(flow->view()->frame(), (CGRect{{400, 24}, {480, 752}}));
+  host->resize(500, 700);
+  EXPECT_EQ(flow->view()->frame(), (CGRect{{0, 0}, {500, 700}}));
+  // Tab stays inside, the host's keys do not reach it.
+  QTest::keyClick(flow->view()->window()->widget(), Qt::Key_Tab);
+  EXPECT_FALSE(button->hasFocus());
+
+  flow->dismiss(true);
+  settle();
+  EXPECT_EQ(flow->view()->window(), nullptr);
+  EXPECT_EQ(host->focusWidget(), button);
+
+  wrapper->present(flow, false);
+  const auto over = std::make_shared<UIAlertController>("Title", "Text");
+  flow->present(over, true);
+  take();
+  host.reset();
+  EXPECT_EQ(take(), (Calls{"flow willDisappear", "flow didDisappear"}));
+  EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+  EXPECT_EQ(flow->presentedViewController(), nullptr);
+  settle();
+  test::StandardOutput output;
+  wrapper->present(flow, true);
+  EXPECT_EQ(output.text(),
+            "Kestrova: nothing is presented: the presenting screen is in no window\n");
+}
+
+TEST_F(Controllers, LetActionsTravelUpTheResponderChain) {
+  const auto outer = screen("outer");
+  const auto inner = screen("inner");
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(outer);
+  outer->addChild(inner);
+  outer->view()->addSubview(inner->view());
+  const auto control = std::make_shared<UIWindow>(UIWindow::Kind::own);
+  Calls heard;
+  outer->setActions({{"leave:", [&](const auto&) { heard.push_back("outer"); }}});
+  EXPECT_TRUE(inner->view()->tryToPerform("leave:", nullptr));
+  inner->setActions({{"leave:", [&](const auto&) { heard.push_back("inner"); }}});
+  EXPECT_TRUE(inner->view()->tryToPerform("leave:", nullptr));
+  EXPECT_FALSE(inner->view()->tryToPerform("stay:", nullptr));
+  EXPECT_EQ(heard, (Calls{"outer", "inner"}));
+  EXPECT_EQ(inner->view()->next(), inner);
+  EXPECT_EQ(outer->view()->next(), outer);
+
+  // A view below a widget that the host has wrapped finds the host's controller.
+  QWidget host;
+  auto* form = new QWidget(&host);
+  const auto wrapper = UIViewController::wrapping(host);
+  const auto inside = UIWindow::inside(*form);
+  EXPECT_EQ(inside->next(), wrapper);
+}
+
+TEST_F(Controllers, SurviveAScreenThatEndsInItsOwnCallback) {
+  const auto base = screen("base");
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(base);
+  window->makeKeyAndVisible();
+  auto full = screen("full");
+  const std::weak_ptr<Screen> watched = full;
+  base->present(full, true, [&] {
+    watched.lock()->dismiss(false);
+    full.reset();
+  });
+  full.reset();
+  settle();
+  EXPECT_EQ(base->presentedViewController(), nullptr);
+  settle();
+  EXPECT_TRUE(watched.expired());
+}
+
+}  // namespace
+}  // namespace kestrova::platform
