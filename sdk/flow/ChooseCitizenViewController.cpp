@@ -10,6 +10,7 @@
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UINavigationBar.h"
+#include "platform/uikit/UITableView.h"
 #include "platform/uikit/UITextField.h"
 #include "platform/uikit/UITouch.h"
 #include "sdk/backend/API.h"
@@ -38,7 +39,7 @@ std::optional<UIImage> image(std::string_view name) {
 void openPage(std::string_view path) {
   const std::string url = std::string(kSite) + std::string(path);
   const auto& application = UIApplication::shared();
-  if (UIDevice::current().systemVersionIsAtLeast(10)) {
+  if (UIDevice::current().hasSystemVersion(10)) {
     application->open(url);
   } else {
     application->openURL(url);

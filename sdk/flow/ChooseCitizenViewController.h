@@ -6,7 +6,8 @@
 
 #include "platform/foundation/Text.h"
 #include "platform/uikit/UIGestureRecognizer.h"
-#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UITableViewDataSource.h"
+#include "platform/uikit/UITableViewDelegate.h"
 #include "platform/uikit/UITextFieldDelegate.h"
 #include "platform/uikit/UIViewController.h"
 #include "sdk/Platform.h"

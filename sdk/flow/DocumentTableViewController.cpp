@@ -1,5 +1,6 @@
 #include "sdk/flow/DocumentTableViewController.h"
 
+#include "platform/uikit/UITableView.h"
 #include "sdk/core/Kestrova.h"
 #include "sdk/flow/DocumentTableViewCell.h"
 

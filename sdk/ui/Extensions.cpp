@@ -4,6 +4,7 @@
 
 #include "platform/dispatch/Once.h"
 #include "platform/foundation/FileManager.h"
+#include "platform/foundation/JSONValue.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/Print.h"
 #include "platform/foundation/Text.h"

@@ -52,7 +52,7 @@ class Controllers : public test::Interface {
   }
   Calls take() { return std::exchange(calls, {}); }
   // Lets a motion come to its end.
-  static void settle() { AnimationClock::shared().advance(1); }
+  static void finishMotion() { advance(1); }
 
   Calls calls;
 };
@@ -71,7 +71,7 @@ TEST_F(Controllers, TellAboutPushAndPopInThePlatformsOrder) {
   navigation->pushViewController(b, true);
   EXPECT_EQ(take(), (Calls{"a willDisappear", "b didLoad", "b willAppear"}));
   EXPECT_EQ(b->widthAtAppearance, 375);
-  settle();
+  finishMotion();
   EXPECT_EQ(take(), (Calls{"a didDisappear", "b didAppear"}));
   EXPECT_EQ(a->view()->superview(), nullptr);
 
@@ -81,11 +81,11 @@ TEST_F(Controllers, TellAboutPushAndPopInThePlatformsOrder) {
   take();
   QTest::keyClick(window->widget(), Qt::Key_Left, Qt::AltModifier);
   EXPECT_EQ(take(), (Calls{"b didDisappear", "c didAppear", "c willDisappear", "b willAppear"}));
-  settle();
+  finishMotion();
   EXPECT_EQ(take(), (Calls{"c didDisappear", "b didAppear"}));
 
-  tap(*window, *navigation->navigationBar()->backButton());
-  settle();
+  click(*navigation->navigationBar()->backButton());
+  finishMotion();
   EXPECT_EQ(navigation->topViewController(), a);
   EXPECT_FALSE(navigation->goBack());
 }
@@ -117,7 +117,7 @@ TEST_F(Controllers, TellAboutAFullScreenAndAnOverlayDifferently) {
   bool shown = false;
   base->present(full, true, [&] { shown = true; });
   EXPECT_EQ(take(), (Calls{"full didLoad", "base willDisappear", "full willAppear"}));
-  settle();
+  finishMotion();
   EXPECT_TRUE(shown);
   EXPECT_EQ(take(), (Calls{"full didAppear", "base didDisappear"}));
   EXPECT_EQ(full->presentingViewController(), base);
@@ -125,14 +125,14 @@ TEST_F(Controllers, TellAboutAFullScreenAndAnOverlayDifferently) {
   const auto over = screen("over");
   over->modalPresentationStyle = UIModalPresentationStyle::overCurrentContext;
   full->present(over, true);
-  settle();
+  finishMotion();
   EXPECT_EQ(take(), (Calls{"over didLoad", "over willAppear", "over didAppear"}));
 
   // The lower one takes the upper one with it.
   bool gone = false;
   full->view();
   base->dismiss(true, [&] { gone = true; });
-  settle();
+  finishMotion();
   EXPECT_TRUE(gone);
   EXPECT_EQ(take(), (Calls{"full willDisappear", "over willDisappear", "over didDisappear",
                            "base willAppear", "base didAppear", "full didDisappear"}));
@@ -152,7 +152,7 @@ TEST_F(Controllers, EndAPresentationThatIsInterrupted) {
   full->dismiss(true);
   EXPECT_EQ(take(), (Calls{"full didAppear", "base didDisappear", "full willDisappear",
                            "base willAppear"}));
-  settle();
+  finishMotion();
   EXPECT_EQ(take(), (Calls{"base didAppear", "full didDisappear"}));
 
   // A request during the dismissal waits for its end.
@@ -161,7 +161,7 @@ TEST_F(Controllers, EndAPresentationThatIsInterrupted) {
   const auto next = screen("next");
   base->present(next, false);
   EXPECT_EQ(base->presentedViewController(), full);
-  settle();
+  finishMotion();
   EXPECT_EQ(base->presentedViewController(), next);
 }
 
@@ -176,12 +176,12 @@ TEST_F(Controllers, ReturnFromAnAlertByEveryWay) {
     alert->addAction(std::make_shared<UIAlertAction>("OK", UIAlertActionStyle::standard,
                                                      [&](UIAlertAction&) { ++handled; }));
     base->present(alert, true);
-    settle();
+    finishMotion();
     QWidget* focused = QApplication::focusWidget();
     ASSERT_NE(focused, nullptr);
     QTest::keyClick(focused, key);
     QTest::keyClick(window->widget(), Qt::Key_Escape);
-    settle();
+    finishMotion();
     EXPECT_EQ(handled, 1);
     EXPECT_EQ(base->presentedViewController(), nullptr);
   }
@@ -211,7 +211,7 @@ TEST_F(Controllers, DropASegueFromAScreenThatIsNotOnTop) {
   EXPECT_EQ(output.text(),
             "Kestrova: the screen has no segue \"nowhere\"\n"
             "Kestrova: the segue \"go\" is dropped: its screen is not on top\n");
-  settle();
+  finishMotion();
 
   // While the screen's own modal goes away a segue waits.
   navigation->popViewController(false);
@@ -220,7 +220,7 @@ TEST_F(Controllers, DropASegueFromAScreenThatIsNotOnTop) {
   modal->dismiss(true);
   first->performSegue("go", first);
   EXPECT_EQ(navigation->viewControllers().size(), 1U);
-  settle();
+  finishMotion();
   EXPECT_EQ(navigation->viewControllers().size(), 2U);
 }
 
@@ -233,7 +233,7 @@ TEST_F(Controllers, PresentOverAHostsWindowAndOutliveIt) {
   const auto wrapper = UIViewController::wrapping(*button);
   const auto flow = screen("flow");
   wrapper->present(flow, true);
-  settle();
+  finishMotion();
   // A card in the middle from 600 points of width on.
   EXPECT_EQ(flow->view()->frame(), (CGRect{{400, 24}, {480, 752}}));
   host->resize(500, 700);
@@ -243,7 +243,7 @@ TEST_F(Controllers, PresentOverAHostsWindowAndOutliveIt) {
   EXPECT_FALSE(button->hasFocus());
 
   flow->dismiss(true);
-  settle();
+  finishMotion();
   EXPECT_EQ(flow->view()->window(), nullptr);
   EXPECT_EQ(host->focusWidget(), button);
 
@@ -255,7 +255,7 @@ TEST_F(Controllers, PresentOverAHostsWindowAndOutliveIt) {
   EXPECT_EQ(take(), (Calls{"flow willDisappear", "flow didDisappear"}));
   EXPECT_EQ(wrapper->presentedViewController(), nullptr);
   EXPECT_EQ(flow->presentedViewController(), nullptr);
-  settle();
+  finishMotion();
   test::StandardOutput output;
   wrapper->present(flow, true);
   EXPECT_EQ(output.text(),
@@ -300,9 +300,9 @@ TEST_F(Controllers, SurviveAScreenThatEndsInItsOwnCallback) {
     full.reset();
   });
   full.reset();
-  settle();
+  finishMotion();
   EXPECT_EQ(base->presentedViewController(), nullptr);
-  settle();
+  finishMotion();
   EXPECT_TRUE(watched.expired());
 }
 
