@@ -57,6 +57,8 @@ struct NSLayoutManager::Layout {
 
   std::unique_ptr<QTextLayout> make(const QString& content) const;
   void truncate();
+  // The room of a line, more than its text where the container asks for it.
+  QRectF box(const QTextLine& line) const;
   // The line of a layout at a height, counted from 0, of those that are shown.
   int lineAt(double y) const;
   int characterAt(QPointF point) const;
@@ -88,8 +90,7 @@ NSLayoutManager::Layout::Layout(const NSAttributedString& source, const NSTextCo
                             static_cast<std::size_t>(text->lineCount())));
   // A line of which the container shows less than half is left out, the first one never.
   while (lineCount < limit) {
-    const auto box = text->lineAt(lineCount).rect();
-    if (lineCount > 0 && box.center().y() > area.size.height) break;
+    if (lineCount > 0 && text->lineAt(lineCount).rect().center().y() > area.size.height) break;
     ++lineCount;
   }
   isCut = lineCount < text->lineCount();
@@ -106,11 +107,18 @@ std::unique_ptr<QTextLayout> NSLayoutManager::Layout::make(const QString& conten
   for (auto line = layout->createLine(); line.isValid(); line = layout->createLine()) {
     line.setLeadingIncluded(true);
     line.setLineWidth(width);
-    line.setPosition({container.lineFragmentPadding, y});
-    y += line.height();
+    const double height = std::max(line.height(), container.minimumLineHeight);
+    line.setPosition({container.lineFragmentPadding, y + (height - line.height()) / 2});
+    y += height;
   }
   layout->endLayout();
   return layout;
+}
+
+QRectF NSLayoutManager::Layout::box(const QTextLine& line) const {
+  // Unlike its rectangle, a line's height includes the leading.
+  const double height = std::max(line.height(), container.minimumLineHeight);
+  return {line.x(), line.y() - (height - line.height()) / 2, line.width(), height};
 }
 
 void NSLayoutManager::Layout::truncate() {
@@ -140,7 +148,7 @@ void NSLayoutManager::Layout::truncate() {
 
 int NSLayoutManager::Layout::lineAt(double y) const {
   int line = 0;
-  while (line + 1 < lineCount && text->lineAt(line).rect().bottom() <= y) ++line;
+  while (line + 1 < lineCount && box(text->lineAt(line)).bottom() <= y) ++line;
   return line;
 }
 
@@ -197,7 +205,8 @@ CGRect NSLayoutManager::usedRect() const {
     const bool isTail = made->tail && i == made->lineCount - 1;
     const auto line = (isTail ? made->tail : made->text)->lineAt(i);
     const auto text = line.naturalTextRect();
-    used |= QRectF(text.x(), line.y(), text.width(), line.height());
+    const auto room = made->box(line);
+    used |= QRectF(text.x(), room.y(), text.width(), room.height());
   }
   return {{used.x(), used.y()}, {used.width(), used.height()}};
 }

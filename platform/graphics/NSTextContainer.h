@@ -23,6 +23,8 @@ struct NSTextContainer {
   // 0 for as many as there are.
   std::size_t maximumNumberOfLines = 0;
   NSLineBreakMode lineBreakMode = NSLineBreakMode::byWordWrapping;
+  // The least distance from line to line, in points, with the text in the middle of it.
+  double minimumLineHeight = 0;
 
   friend bool operator==(const NSTextContainer&, const NSTextContainer&) = default;
 };

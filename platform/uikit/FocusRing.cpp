@@ -89,6 +89,7 @@ class FocusRing::Ring : public QWidget {
     const auto view = isWanted_ && window_ ? focusedView(*window_) : nullptr;
     if (!view || !view->widget()->isVisible()) return hide();
     const CGRect shape = view->focusRect();
+    if (shape.size == CGSize{}) return hide();
     const CGPoint origin = view->convert(shape.origin, nullptr);
     const int margin = kGap + kLine;
     const double most = std::min(shape.size.width, shape.size.height) / 2;

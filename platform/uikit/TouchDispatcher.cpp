@@ -41,11 +41,15 @@ void TouchDispatcher::began(CGPoint point, long long milliseconds) {
       }
     }
     auto scrollView = std::dynamic_pointer_cast<UIScrollView>(view);
-    if (scrollView && scrollView->isScrollEnabled() && scrollView_.expired()) {
+    if (scrollView && scrollView->canScroll() && scrollView_.expired()) {
       scrollView_ = scrollView;
     }
   }
-  if (const auto scrollView = scrollView_.lock()) scrollView->press(point, milliseconds);
+  const auto scrollView = scrollView_.lock();
+  if (scrollView && scrollView->press(point, milliseconds)) {
+    owner_.reset();
+    recognizer_.reset();
+  }
   if (const auto owner = owner_.lock()) owner->touchesBegan(start);
 }
 
@@ -77,7 +81,10 @@ void TouchDispatcher::ended(CGPoint point, long long milliseconds) {
   recognizer_.reset();
   scrollView_.reset();
   if (scrollView) scrollView->release(point, milliseconds);
-  if (!hit || hit->window().get() != &window_) return;
+  if (!hit || hit->window().get() != &window_) {
+    if (owner) owner->touchesCancelled(touch(point, owner));
+    return;
+  }
   const UITouch end = touch(point, hit);
   if (recognizer) {
     if (owner) owner->touchesCancelled(end);
@@ -100,9 +107,7 @@ void TouchDispatcher::cancelled() {
 void TouchDispatcher::cancelOwner() {
   const auto owner = owner_.lock();
   owner_.reset();
-  if (const auto hit = touched_.lock(); owner && hit) {
-    owner->touchesCancelled(touch(start_, hit));
-  }
+  if (owner) owner->touchesCancelled(touch(start_, owner));
 }
 
 }  // namespace kestrova::platform

@@ -6,6 +6,8 @@
 
 namespace kestrova::platform {
 
+class ScrollIndicator;
+
 struct UIEdgeInsets {
   double top = 0;
   double left = 0;
@@ -15,17 +17,19 @@ struct UIEdgeInsets {
   friend bool operator==(const UIEdgeInsets&, const UIEdgeInsets&) = default;
 };
 
-// Shows a part of a larger content, which fingers, the mouse, a wheel and code can move. Its first
-// subview is the content where it comes from a storyboard: it gets the scroll view's width and the
-// height that its layout needs. Main thread.
+// Shows a part of a larger content, which fingers, the mouse, a wheel, keys and code can move. An
+// only subview that a layout of the storyboard fills is the content: it gets the scroll view's
+// width and the height that its layout needs, at least the scroll view's own. Main thread.
 class UIScrollView : public UIView {
  public:
   UIScrollView();
   ~UIScrollView() override;
 
-  // Off: neither fingers nor a wheel move the content; code still does.
+  // Off: only code moves the content.
   bool isScrollEnabled() const { return isScrollEnabled_; }
   void setScrollEnabled(bool enabled);
+  // Whether people can move the content now: it is enabled and there is more than fits.
+  bool canScroll() const;
   CGSize contentSize() const { return contentSize_; }
   void setContentSize(CGSize size);
   // The point of the content in the upper left corner, kept within the content and its insets.
@@ -34,35 +38,51 @@ class UIScrollView : public UIView {
   // Room around the content; negative ones take from it. Points.
   const UIEdgeInsets& contentInset() const { return contentInset_; }
   void setContentInset(const UIEdgeInsets& inset);
-  // Room around the marks that show how far the content is scrolled.
+  // Room around the bar that shows how far the content is scrolled.
   const UIEdgeInsets& scrollIndicatorInsets() const { return indicatorInsets_; }
   void setScrollIndicatorInsets(const UIEdgeInsets& inset);
-  // Scrolls no further than needed to show `rect`, in the content's coordinates.
+  // Scrolls no further than needed to show `rect`, in the content's coordinates, within the insets.
   void scrollRectToVisible(const CGRect& rect, bool animated);
 
   void layoutSubviews() override;
+  bool keyPressed(const std::string& key) override;
+  CGRect focusRect() const override { return bounds(); }
 
-  // A touch that may become a drag, in points of the window; by the touch dispatcher.
-  void press(CGPoint point, long long milliseconds);
+  // A touch that may become a drag, in points of the window; by the touch dispatcher. True where
+  // the touch has stopped a motion and therefore means nothing else.
+  bool press(CGPoint point, long long milliseconds);
   void drag(CGPoint point, long long milliseconds);
+  // A drag goes on by itself at the speed it had.
   void release(CGPoint point, long long milliseconds);
   bool isDragging() const;
 
  protected:
   bool wheelMoved(CGPoint delta) override;
+  void widgetLost() override;
+  // After the content or the view's size has changed.
+  void keepWithinContent() { place(contentOffset()); }
   // After the content has moved.
   virtual void didScroll() {}
 
  private:
-  class Scroller;
+  struct Drag;
 
   CGPoint within(CGPoint offset) const;
+  // How far the content can move.
+  CGSize range() const;
+  void place(CGPoint offset);
+  // By people or an animation, which the bar shows; whether the content has moved.
+  bool move(CGPoint offset);
+  void glide(CGPoint velocity);
+  void stop();
 
   CGSize contentSize_;
   UIEdgeInsets contentInset_;
   UIEdgeInsets indicatorInsets_;
   bool isScrollEnabled_ = true;
-  std::unique_ptr<Scroller> scroller_;
+  bool isGliding_ = false;
+  std::unique_ptr<Drag> drag_;
+  std::unique_ptr<ScrollIndicator> indicator_;
   std::shared_ptr<const void> motion_;
 };
 

@@ -17,6 +17,7 @@
 #include "platform/uikit/NSLayoutConstraint.h"
 #include "platform/uikit/NativePainter.h"
 #include "platform/uikit/TouchDispatcher.h"
+#include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIGestureRecognizer.h"
 #include "platform/uikit/UIViewController.h"
 #include "platform/uikit/UIWindow.h"
@@ -236,9 +237,7 @@ UIView::UIView(const CGRect& frame) : UIView(std::make_unique<CALayer>()) {
 }
 
 UIView::UIView(std::unique_ptr<CALayer> layer) : layer_(std::move(layer)) {
-  if (!QCoreApplication::instance() || !qobject_cast<QApplication*>(QCoreApplication::instance())) {
-    throw std::logic_error("a view needs the application object");
-  }
+  if (!UIApplication::exists()) throw std::logic_error("a view needs the application object");
   widget_ = new Widget(*this);
   layer_->setOnChange([this] { setNeedsDisplay(); });
 }
@@ -262,7 +261,9 @@ QWidget* UIView::widget() const {
 
 std::shared_ptr<UIView> UIView::of(const QWidget* widget) {
   const auto* ours = dynamic_cast<const Widget*>(widget);
-  return ours && ours->view() ? shared(ours->view()) : nullptr;
+  if (!ours || !ours->view()) return nullptr;
+  // Null for one that is being made or ends.
+  return std::static_pointer_cast<UIView>(ours->view()->weak_from_this().lock());
 }
 
 CGRect UIView::frame() const {

@@ -206,7 +206,6 @@ class UIView : public UIResponder {
  private:
   class Widget;
   friend class UIViewController;
-  friend class Accessible;
 
   void applyFrame();
   void place(const std::shared_ptr<UIView>& view, std::size_t index);

@@ -137,6 +137,22 @@ TEST_F(GIFTest, leavesOutADamagedImageAndGoesOn) {
   EXPECT_EQ(source.value().imageAtIndex(2).value()->pixels()[3], 0U);
 }
 
+TEST_F(GIFTest, findsTheNextImageAfterOneOfAnyLength) {
+  // Row 0 of an image of two, then the end of its data, with the end of codes before it or without;
+  // and images of no height and no width.
+  for (const auto& odd :
+       {"\x2c\0\0\0\0\1\0\2\0\0\2\1\x44\0"s, "\x2c\0\0\0\0\1\0\2\0\0\2\2\x44\1\0"s,
+        "\x2c\0\0\0\0\1\0\0\0\0\2\2\x44\1\0"s, "\x2c\0\0\0\0\0\0\1\0\0\2\2\x44\1\0"s,
+        "\x2c\0\0\0\0\1\0\2\0\0\2\0"s}) {
+    auto source = sourceOf(file(red + odd + green));
+    ASSERT_EQ(source.value().count(), 3U);
+    (void)source.value().imageAtIndex(1);
+    const auto last = source.value().imageAtIndex(2);
+    ASSERT_TRUE(last) << last.error().localizedDescription;
+    EXPECT_EQ(last.value()->pixels()[0], greenPixel);
+  }
+}
+
 TEST_F(GIFTest, clipsFramesToTheScreen) {
   auto beyond = green;
   beyond[1] = 1;

@@ -171,6 +171,21 @@ TEST_F(TextLayoutTest, endsATruncatedLineInAnEllipsis) {
   EXPECT_LT(manager.characterIndex({1, 1}), text.size());
 }
 
+TEST_F(TextLayoutTest, truncatesWhereTheCutWordWouldFitTheLineBefore) {
+  // Every small text of wide, narrow and tiny characters at every width.
+  for (unsigned shape = 0; shape < 256; ++shape) {
+    std::string text;
+    for (unsigned i = 0; i < 8; ++i) text += (shape >> i & 1U) != 0 ? "m" : i % 3 == 0 ? "i" : " ";
+    NSMutableAttributedString mixed(attributed(text));
+    mixed.addAttributes({UIFont::systemFont(2), {}, {}}, {5, 3});
+    for (double width = 8; width < 70; width += 3) {
+      lay(mixed, {{width, 400}, 0, 2, NSLineBreakMode::byTruncatingTail});
+      (void)drawn(2, 2);
+      EXPECT_LT(manager.characterIndex({width, 399}), text.size());
+    }
+  }
+}
+
 TEST(TextLayout, isMissingWithoutAnApplication) {
   NSLayoutManager manager;
   NSTextStorage(NSAttributedString("text")).addLayoutManager(manager);

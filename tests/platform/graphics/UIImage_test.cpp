@@ -1,7 +1,10 @@
 #include "platform/graphics/UIImage.h"
 
 #include <array>
+#include <cmath>
 #include <thread>
+
+#include <sys/resource.h>
 
 #include "platform/graphics/GraphicsError.h"
 #include "platform/graphics/UIGraphicsImageContext.h"
@@ -165,6 +168,23 @@ TEST_F(ImageFileTest, refusesForeignFilesAndSizesBeyondTheLimit) {
               GraphicsErrorCode::damaged));
 }
 
+TEST_F(ImageFileTest, takesNoMemoryForWhatItDoesNotShow) {
+  // Compressed texts, of a megabyte each.
+  run("convert -size 4x4 xc:red plain.png && python3 -c \"\nimport struct, zlib\n"
+      "text = b'zTXtk' + bytes(2) + zlib.compress(bytes(1000000))\n"
+      "chunk = struct.pack('>I', len(text) - 4) + text + struct.pack('>I', zlib.crc32(text))\n"
+      "file = open('plain.png', 'rb').read()\n"
+      "open('texts.png', 'wb').write(file[:33] + 900 * chunk + file[33:])\"");
+  const auto peak = [] {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
+  };
+  const auto before = peak();
+  ASSERT_TRUE(decode("texts.png"));
+  EXPECT_LT(peak() - before, 100);
+}
+
 TEST_F(ImageFileTest, survivesAnyFlippedByte) {
   run("convert -size 12x9 plasma:red-blue -interlace PNG a.png");
   run("convert -size 12x9 plasma:red-blue -interlace JPEG b.jpg");
@@ -254,6 +274,60 @@ TEST_F(NamedImageTest, drawsAnSVGFileSharpAtAnySize) {
   EXPECT_EQ(pixels->row(15)[15], 0xffff0000U);
   EXPECT_EQ(pixels->row(0)[16], 0xff0000ffU);
   EXPECT_FALSE(flag->rendition(1'000'000, 1'000'000));
+}
+
+TEST_F(NamedImageTest, readsNothingBesidesTheFileItself) {
+  add("red.png", UIImagePNGRepresentation(picture(1, {0xffff0000})).value().view());
+  add("red.css", "rect { fill: #ff0000 }");
+  const auto at = [this](const std::string& name) { return (folder.path() / name).string(); };
+  const auto drawing = [](const std::string& before, const std::string& within) {
+    return before + R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="4" )" +
+           R"(xmlns:xlink="http://www.w3.org/1999/xlink">)" + within + "</svg>";
+  };
+  const auto place = R"( width="8" height="4"/>)"s;
+  add("image.svg", drawing("", R"(<image xlink:href=")" + at("red.png") + "\"" + place));
+  add("relative.svg", drawing("", R"(<image xlink:href="red.png")" + place));
+  add("sheet.svg", drawing(R"(<?xml-stylesheet type="text/css" href=")" + at("red.css") + "\"?>",
+                           "<rect" + place));
+  add("entity.svg", drawing("<!DOCTYPE svg [<!ENTITY e SYSTEM \"" + at("red.css") + "\">]>",
+                            "<rect" + place + "<text>&e;</text>"));
+  for (const auto* const name : {"image", "relative", "sheet", "entity"}) {
+    const auto image = named(name);
+    if (!image) continue;
+    for (const auto pixel : image->rendition(8, 4).value()->pixels()) EXPECT_NE(pixel, 0xffff0000U);
+  }
+}
+
+TEST_F(NamedImageTest, refusesDrawingsThatGrowWithoutBounds) {
+  const auto head = R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8" )"s +
+                    R"(xmlns:xlink="http://www.w3.org/1999/xlink">)";
+  std::string entities = "<!DOCTYPE svg [<!ENTITY e0 'x'>";
+  std::string copies = head + R"(<g id="e0"><rect width="1" height="1"/></g>)";
+  for (int i = 0; i < 40; ++i) {
+    const auto last = "e" + std::to_string(i);
+    const auto next = "e" + std::to_string(i + 1);
+    entities += "<!ENTITY " + next + " '&" + last + ";&" + last + ";'>";
+    const auto use = "<use xlink:href=\"#" + last + "\"/>";
+    copies.append("<g id=\"").append(next).append("\">").append(use).append(use).append("</g>");
+  }
+  add("entities.svg", entities + "]>" + head + "<text>&e40;</text></svg>");
+  add("copies.svg", copies + "</svg>");
+  std::string nested = head;
+  for (int i = 0; i < 200'000; ++i) nested += "<g>";
+  nested += "<rect/>";
+  for (int i = 0; i < 200'000; ++i) nested += "</g>";
+  add("nested.svg", nested + "</svg>");
+  for (const auto* const name : {"entities", "copies", "nested"}) EXPECT_FALSE(named(name)) << name;
+}
+
+TEST_F(NamedImageTest, drawsAnSVGFileAtNoSensiblePlace) {
+  add("flag.svg", kFlag);
+  const auto flag = named("flag");
+  for (const double length : {std::nan(""), -1.0, 0.0, 1e-300}) {
+    auto context = UIGraphicsImageContext::begin({2, 2}, false, 1);
+    EXPECT_TRUE(flag->draw({{0, 0}, {length, 2}}, *context));
+    EXPECT_TRUE(context->takeImage());
+  }
 }
 
 TEST_F(NamedImageTest, prefersPNGAndYieldsNoneForWhatIsMissingOrBroken) {

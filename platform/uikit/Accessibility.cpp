@@ -1,0 +1,316 @@
+#include "platform/uikit/UIAccessibility.h"
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <utility>
+
+#include <QtGui/QAccessible>
+#include <QtWidgets/QAccessibleWidget>
+#include <QtWidgets/QLineEdit>
+
+#include "platform/uikit/AccessibleView.h"
+#include "platform/uikit/UIControl.h"
+#include "platform/uikit/UITextField.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+struct RoleName {
+  UIAccessibilityRole role;
+  QAccessible::Role native;
+  const char* name;
+};
+
+constexpr std::array<RoleName, 11> kRoles{{
+    {UIAccessibilityRole::none, QAccessible::Grouping, "group"},
+    {UIAccessibilityRole::staticText, QAccessible::StaticText, "text"},
+    {UIAccessibilityRole::header, QAccessible::Heading, "header"},
+    {UIAccessibilityRole::image, QAccessible::Graphic, "image"},
+    {UIAccessibilityRole::button, QAccessible::Button, "button"},
+    {UIAccessibilityRole::link, QAccessible::Link, "link"},
+    {UIAccessibilityRole::textField, QAccessible::EditableText, "text field"},
+    {UIAccessibilityRole::list, QAccessible::List, "list"},
+    {UIAccessibilityRole::listItem, QAccessible::ListItem, "list item"},
+    {UIAccessibilityRole::busy, QAccessible::Animation, "busy"},
+    {UIAccessibilityRole::alert, QAccessible::AlertMessage, "alert"},
+}};
+
+bool isOneObject(UIAccessibilityRole role) {
+  return role == UIAccessibilityRole::button || role == UIAccessibilityRole::link ||
+         role == UIAccessibilityRole::image || role == UIAccessibilityRole::textField;
+}
+
+bool isWorthTelling(const UIView& view) {
+  if (view.isHidden() || !view.widget()) return false;
+  if (view.accessibilityRole() != UIAccessibilityRole::none || view.isFocusable()) return true;
+  const auto& subviews = view.subviews();
+  return std::any_of(subviews.begin(), subviews.end(),
+                     [](const auto& subview) { return isWorthTelling(*subview); });
+}
+
+// The widget that stands for a view: of a text field the line edit, which has the focus.
+QWidget* standIn(const UIView& view) {
+  QWidget* const widget = view.widget();
+  if (!widget || !dynamic_cast<const UITextField*>(&view)) return widget;
+  return widget->findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+QList<QWidget*> childrenOf(const UIView& view) {
+  QList<QWidget*> children;
+  if (isOneObject(view.accessibilityRole())) return children;
+  const auto& subviews = view.subviews();
+  for (auto each = subviews.rbegin(); each != subviews.rend(); ++each) {
+    if (!isWorthTelling(**each)) continue;
+    children.push_front(standIn(**each));
+    // What is presented last covers the rest.
+    if (dynamic_cast<const UIWindow*>(&view)) break;
+  }
+  return children;
+}
+
+class ViewObject : public QAccessibleWidget {
+ public:
+  explicit ViewObject(QWidget& widget) : QAccessibleWidget(&widget) {}
+
+  virtual std::shared_ptr<UIView> view() const { return UIView::of(widget()); }
+
+  bool isValid() const override { return QAccessibleWidget::isValid() && view(); }
+
+  QAccessible::Role role() const override {
+    const auto of = view();
+    if (!of) return QAccessible::NoRole;
+    if (dynamic_cast<const UIWindow*>(of.get())) {
+      return widget()->isWindow() ? QAccessible::Window : QAccessible::Dialog;
+    }
+    const auto role = of->accessibilityRole();
+    const auto* const found = std::find_if(kRoles.begin(), kRoles.end(),
+                                           [role](const auto& each) { return each.role == role; });
+    return found->native;
+  }
+
+  QString text(QAccessible::Text kind) const override {
+    const auto of = view();
+    if (of && kind == QAccessible::Value) return QString::fromStdString(of->accessibilityValue());
+    if (!of || kind != QAccessible::Name) return QAccessibleWidget::text(kind);
+    const std::string label = of->accessibilityLabel();
+    return label.empty() ? QAccessibleWidget::text(kind) : QString::fromStdString(label);
+  }
+
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    const auto of = view();
+    if (!of) return state;
+    if (const auto* const control = dynamic_cast<const UIControl*>(of.get())) {
+      state.disabled = !control->isEnabled();
+    }
+    state.focusable = of->isFocusable() && !state.disabled;
+    state.selectable = of->accessibilityRole() == UIAccessibilityRole::listItem;
+    state.selected = of->isAccessibilitySelected();
+    state.busy = of->accessibilityRole() == UIAccessibilityRole::busy;
+    return state;
+  }
+
+  QAccessibleInterface* parent() const override {
+    const auto of = view();
+    const auto above = of ? of->superview() : nullptr;
+    return above ? QAccessible::queryAccessibleInterface(above->widget())
+                 : QAccessibleWidget::parent();
+  }
+
+  int childCount() const override { return int(children().size()); }
+
+  QAccessibleInterface* child(int index) const override {
+    return QAccessible::queryAccessibleInterface(children().value(index));
+  }
+
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    const auto* const widget = child ? qobject_cast<QWidget*>(child->object()) : nullptr;
+    return int(children().indexOf(widget));
+  }
+
+  QStringList actionNames() const override {
+    const auto of = view();
+    QStringList names = QAccessibleWidget::actionNames();
+    const auto role = of ? of->accessibilityRole() : UIAccessibilityRole::none;
+    const bool isPressed = role == UIAccessibilityRole::button ||
+                           role == UIAccessibilityRole::link ||
+                           role == UIAccessibilityRole::textField ||
+                           role == UIAccessibilityRole::listItem;
+    if (isPressed && !state().disabled) names.prepend(pressAction());
+    return names;
+  }
+
+  void doAction(const QString& name) override {
+    const auto of = view();
+    if (!of) return;
+    if (name == pressAction()) {
+      of->accessibilityActivate();
+    } else if (name == setFocusAction()) {
+      of->becomeFocused();
+    } else {
+      QAccessibleWidget::doAction(name);
+    }
+  }
+
+ private:
+  QList<QWidget*> children() const {
+    const auto of = view();
+    return of ? childrenOf(*of) : QList<QWidget*>();
+  }
+};
+
+// A text field's, with its text; stands on the line edit.
+class FieldObject : public ViewObject,
+                    public QAccessibleTextInterface,
+                    public QAccessibleEditableTextInterface {
+ public:
+  explicit FieldObject(QLineEdit& edit) : ViewObject(edit), edit_(edit) {}
+
+  std::shared_ptr<UIView> view() const override { return UIView::of(edit_.parentWidget()); }
+
+  QAccessible::State state() const override {
+    QAccessible::State state = ViewObject::state();
+    state.editable = !state.disabled;
+    state.selectableText = true;
+    return state;
+  }
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+    if (type == QAccessible::EditableTextInterface) {
+      return static_cast<QAccessibleEditableTextInterface*>(this);
+    }
+    return ViewObject::interface_cast(type);
+  }
+
+  using ViewObject::text;
+  QString text(int start, int end) const override { return edit_.text().mid(start, end - start); }
+  int characterCount() const override { return int(edit_.text().size()); }
+  int cursorPosition() const override { return edit_.cursorPosition(); }
+  void setCursorPosition(int position) override { edit_.setCursorPosition(position); }
+
+  int selectionCount() const override { return edit_.hasSelectedText() ? 1 : 0; }
+  void selection(int, int* start, int* end) const override {
+    *start = std::max(0, edit_.selectionStart());
+    *end = *start + edit_.selectionLength();
+  }
+  void addSelection(int start, int end) override { setSelection(0, start, end); }
+  void removeSelection(int) override { edit_.deselect(); }
+  void setSelection(int, int start, int end) override { edit_.setSelection(start, end - start); }
+
+  QRect characterRect(int offset) const override {
+    const QFontMetrics metrics = edit_.fontMetrics();
+    const QString all = edit_.text();
+    const QRect cursor = edit_.inputMethodQuery(Qt::ImCursorRectangle).toRect();
+    const int x = cursor.center().x() + metrics.horizontalAdvance(all.left(offset)) -
+                  metrics.horizontalAdvance(all.left(edit_.cursorPosition()));
+    const QRect place(x, cursor.top(), metrics.horizontalAdvance(all.mid(offset, 1)),
+                      cursor.height());
+    return place.translated(edit_.mapToGlobal(QPoint()));
+  }
+  int offsetAtPoint(const QPoint& point) const override {
+    return edit_.cursorPositionAt(edit_.mapFromGlobal(point));
+  }
+  void scrollToSubstring(int start, int) override { edit_.setCursorPosition(start); }
+  QString attributes(int, int* start, int* end) const override {
+    *start = 0;
+    *end = characterCount();
+    return {};
+  }
+
+  void deleteText(int start, int end) override { replaceText(start, end, {}); }
+  void insertText(int offset, const QString& text) override { replaceText(offset, offset, text); }
+  void replaceText(int start, int end, const QString& text) override {
+    const auto field = std::dynamic_pointer_cast<UITextField>(view());
+    if (!field || !field->becomeFirstResponder()) return;
+    edit_.setSelection(start, end - start);
+    edit_.insert(text);
+  }
+
+ private:
+  QLineEdit& edit_;
+};
+
+QAccessibleInterface* make(const QString&, QObject* object) {
+  auto* const widget = qobject_cast<QWidget*>(object);
+  if (!widget) return nullptr;
+  // NOLINTBEGIN(cppcoreguidelines-owning-memory): the toolkit takes them over.
+  if (UIView::of(widget)) return new ViewObject(*widget);
+  auto* const edit = qobject_cast<QLineEdit*>(widget);
+  if (edit && dynamic_cast<UITextField*>(UIView::of(edit->parentWidget()).get())) {
+    return new FieldObject(*edit);
+  }
+  // NOLINTEND(cppcoreguidelines-owning-memory)
+  return nullptr;
+}
+
+void tell(const UIView& view, QAccessible::Event kind) {
+  // A view that is still being made is not known to anybody.
+  if (!QAccessible::isActive() || view.weak_from_this().expired()) return;
+  QWidget* const widget = standIn(view);
+  if (!widget) return;
+  QAccessibleEvent event(widget, kind);
+  QAccessible::updateAccessibility(&event);
+}
+
+std::string nameOf(QAccessible::Role role) {
+  if (role == QAccessible::Window || role == QAccessible::Dialog) return "window";
+  const auto* const found = std::find_if(kRoles.begin(), kRoles.end(),
+                                         [role](const auto& each) { return each.native == role; });
+  return found == kRoles.end() ? "object" : found->name;
+}
+
+std::string quoted(const QString& text) {
+  return " \"" + text.toStdString() + "\"";
+}
+
+void write(QAccessibleInterface& object, int level, std::string& lines) {
+  const auto state = object.state();
+  lines.append(std::size_t(level) * 2, ' ').append(nameOf(object.role()));
+  const QString name = object.text(QAccessible::Name);
+  if (!name.isEmpty()) lines += quoted(name);
+  const QString value = object.text(QAccessible::Value);
+  if (!value.isEmpty()) lines += " value" + quoted(value);
+  if (state.disabled) lines += " disabled";
+  if (state.selected) lines += " selected";
+  if (state.focusable) lines += " focusable";
+  if (state.focused) lines += " focused";
+  lines += '\n';
+  for (int index = 0; index < object.childCount(); ++index) {
+    if (auto* const child = object.child(index)) write(*child, level + 1, lines);
+  }
+}
+
+}  // namespace
+
+void AccessibleView::install() {
+  static std::once_flag once;
+  std::call_once(once, [] { QAccessible::installFactory(make); });
+}
+
+void AccessibleView::nameChanged(const UIView& view) {
+  tell(view, QAccessible::NameChanged);
+}
+
+void AccessibleView::stateChanged(const UIView& view) {
+  if (!QAccessible::isActive() || view.weak_from_this().expired() || !standIn(view)) return;
+  QAccessible::State changed;
+  changed.disabled = true;
+  QAccessibleStateChangeEvent event(standIn(view), changed);
+  QAccessible::updateAccessibility(&event);
+}
+
+std::string accessibilityTree(const UIView& view) {
+  std::string lines;
+  if (QWidget* const widget = standIn(view)) {
+    if (auto* const object = QAccessible::queryAccessibleInterface(widget)) {
+      write(*object, 0, lines);
+    }
+  }
+  return lines;
+}
+
+}  // namespace kestrova::platform

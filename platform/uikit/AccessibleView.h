@@ -1,0 +1,16 @@
+#pragma once
+
+namespace kestrova::platform {
+
+class UIView;
+
+// How views are told to assistive technology by the toolkit. Main thread.
+struct AccessibleView {
+  // The toolkit asks us for the objects of our views from now on; once a process.
+  static void install();
+  // Tells assistive technology, where there is any, that the view's name or state is another.
+  static void nameChanged(const UIView& view);
+  static void stateChanged(const UIView& view);
+};
+
+}  // namespace kestrova::platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string_view>
+
+#include "platform/foundation/Text.h"
+
+namespace kestrova::platform {
+
+class UITextField;
+
+// Is asked about the editing of a field and told of it. May change, remove or release the field.
+class UITextFieldDelegate {
+ public:
+  virtual ~UITextFieldDelegate() = default;
+
+  virtual bool textFieldShouldBeginEditing(UITextField&) { return true; }
+  virtual void textFieldDidBeginEditing(UITextField&) {}
+  virtual bool textFieldShouldEndEditing(UITextField&) { return true; }
+  virtual void textFieldDidEndEditing(UITextField&) {}
+  // Return was pressed while the field is edited.
+  virtual bool textFieldShouldReturn(UITextField&) { return true; }
+  // Before each change that a person makes: `range`, in UTF-16 code units of the field's text, is
+  // to become `replacement`. False leaves the text as it is; a text that the call itself sets
+  // stands in any case.
+  virtual bool textFieldShouldChangeCharactersIn(UITextField&, NSRange /*range*/,
+                                                 std::string_view /*replacement*/) {
+    return true;
+  }
+};
+
+}  // namespace kestrova::platform

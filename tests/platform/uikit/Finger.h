@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QtCore/QPointer>
+#include <QtGui/QMouseEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/UIView.h"
+
+namespace kestrova::test {
+
+// A finger or the mouse on a view's window, at times that the test gives: each event comes as the
+// toolkit would send it, to the widget on which the touch began.
+class Finger {
+ public:
+  // Presses at a point of the view's widget.
+  Finger(const platform::UIView& view, platform::CGPoint point)
+      : view_(view.widget()), point_(at(point)) {
+    QWidget* const top = view_->window();
+    const QPoint inTop = view_->mapTo(top, point_.toPoint());
+    QWidget* const child = top->childAt(inTop);
+    touched_ = child ? child : top;
+    send(QEvent::MouseButtonPress, Qt::LeftButton);
+  }
+
+  Finger& to(platform::CGPoint point, int milliseconds = 20) {
+    point_ = at(point);
+    time_ += unsigned(milliseconds);
+    send(QEvent::MouseMove, Qt::LeftButton);
+    return *this;
+  }
+
+  void release(int milliseconds = 0) {
+    time_ += unsigned(milliseconds);
+    send(QEvent::MouseButtonRelease, Qt::NoButton);
+  }
+
+ private:
+  static QPointF at(platform::CGPoint point) { return {point.x, point.y}; }
+
+  void send(QEvent::Type type, Qt::MouseButtons buttons) {
+    if (!touched_ || !view_) return;
+    const QPointF global = view_->mapToGlobal(point_);
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, touched_->mapFromGlobal(global), global, button, buttons, {});
+    event.setTimestamp(time_);
+    QApplication::sendEvent(touched_, &event);
+  }
+
+  QPointer<QWidget> view_;
+  QPointer<QWidget> touched_;
+  QPointF point_;
+  quint64 time_ = 1000;
+};
+
+}  // namespace kestrova::test
