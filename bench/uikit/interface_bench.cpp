@@ -25,6 +25,7 @@
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UITableViewCell.h"
+#include "platform/uikit/UITableViewDataSource.h"
 #include "platform/uikit/UITextField.h"
 #include "platform/uikit/UIViewController.h"
 #include "platform/uikit/UIWindow.h"

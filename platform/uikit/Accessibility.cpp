@@ -1,8 +1,5 @@
-#include "platform/uikit/UIAccessibility.h"
-
 #include <algorithm>
 #include <array>
-#include <mutex>
 #include <utility>
 
 #include <QtGui/QAccessible>
@@ -10,6 +7,7 @@
 #include <QtWidgets/QLineEdit>
 
 #include "platform/uikit/AccessibleView.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UITextField.h"
 #include "platform/uikit/UIWindow.h"
@@ -135,10 +133,9 @@ class ViewObject : public QAccessibleWidget {
     const auto of = view();
     QStringList names = QAccessibleWidget::actionNames();
     const auto role = of ? of->accessibilityRole() : UIAccessibilityRole::none;
-    const bool isPressed = role == UIAccessibilityRole::button ||
-                           role == UIAccessibilityRole::link ||
-                           role == UIAccessibilityRole::textField ||
-                           role == UIAccessibilityRole::listItem;
+    const bool isPressed =
+        role == UIAccessibilityRole::button || role == UIAccessibilityRole::link ||
+        role == UIAccessibilityRole::textField || role == UIAccessibilityRole::listItem;
     if (isPressed && !state().disabled) names.prepend(pressAction());
     return names;
   }
@@ -236,15 +233,8 @@ class FieldObject : public ViewObject,
 
 QAccessibleInterface* make(const QString&, QObject* object) {
   auto* const widget = qobject_cast<QWidget*>(object);
-  if (!widget) return nullptr;
-  // NOLINTBEGIN(cppcoreguidelines-owning-memory): the toolkit takes them over.
-  if (UIView::of(widget)) return new ViewObject(*widget);
-  auto* const edit = qobject_cast<QLineEdit*>(widget);
-  if (edit && dynamic_cast<UITextField*>(UIView::of(edit->parentWidget()).get())) {
-    return new FieldObject(*edit);
-  }
-  // NOLINTEND(cppcoreguidelines-owning-memory)
-  return nullptr;
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
+  return widget && UIView::of(widget) ? new ViewObject(*widget) : nullptr;
 }
 
 void tell(const UIView& view, QAccessible::Event kind) {
@@ -287,8 +277,16 @@ void write(QAccessibleInterface& object, int level, std::string& lines) {
 }  // namespace
 
 void AccessibleView::install() {
-  static std::once_flag once;
-  std::call_once(once, [] { QAccessible::installFactory(make); });
+  QAccessible::installFactory(make);
+}
+
+void AccessibleView::registerEditor(QWidget& lineEdit) {
+  // The toolkit has made one of its own as the line edit was made.
+  if (auto* const former = QAccessible::queryAccessibleInterface(&lineEdit)) {
+    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(former));
+  }
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
+  QAccessible::registerAccessibleInterface(new FieldObject(static_cast<QLineEdit&>(lineEdit)));
 }
 
 void AccessibleView::nameChanged(const UIView& view) {

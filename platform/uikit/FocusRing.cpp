@@ -69,7 +69,12 @@ class FocusRing::Ring : public QWidget {
  protected:
   bool event(QEvent* event) override {
     if (event->type() == QEvent::User) follow();
-    return QWidget::event(event);
+    const bool used = QWidget::event(event);
+    // A host's style sheet paints no ground into it.
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
+      setAttribute(Qt::WA_StyledBackground, false);
+    }
+    return used;
   }
 
   void paintEvent(QPaintEvent*) override {
@@ -77,8 +82,7 @@ class FocusRing::Ring : public QWidget {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(kBlue, kLine));
     const double half = kLine / 2.0;
-    const double radius = radius_ + kGap + half;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), radius, radius);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), radius_, radius_);
   }
 
  private:
@@ -93,10 +97,14 @@ class FocusRing::Ring : public QWidget {
     const CGPoint origin = view->convert(shape.origin, nullptr);
     const int margin = kGap + kLine;
     const double most = std::min(shape.size.width, shape.size.height) / 2;
-    radius_ = std::min(view->layer().cornerRadius(), most);
-    setGeometry(QRectF(origin.x, origin.y, shape.size.width, shape.size.height)
-                    .toRect()
-                    .adjusted(-margin, -margin, margin, margin));
+    const QRect around = QRectF(origin.x, origin.y, shape.size.width, shape.size.height)
+                             .toRect()
+                             .adjusted(-margin, -margin, margin, margin);
+    // A view that fills its window, as in a host's form, has the ring on its edge.
+    const QRect seen = around & window_->rect();
+    const double half = kLine / 2.0;
+    radius_ = std::min(view->layer().cornerRadius(), most) + (seen == around ? kGap + half : -half);
+    setGeometry(seen);
     show();
     raise();
     update();

@@ -42,9 +42,10 @@ class MainLoopPump::Receiver : public QObject {
     timer_.start(0, this);
     const auto next = MainLoop::drain();
     if (!next) return timer_.stop();
-    const auto left = *next == DispatchClock::time_point::min()
-                          ? std::chrono::milliseconds::zero()
-                          : std::chrono::ceil<std::chrono::milliseconds>(*next - DispatchClock::now());
+    const auto left =
+        *next == DispatchClock::time_point::min()
+            ? std::chrono::milliseconds::zero()
+            : std::chrono::ceil<std::chrono::milliseconds>(*next - DispatchClock::now());
     constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);
     const auto wait = std::clamp(left, std::chrono::milliseconds::zero(), kLongest);
     timer_.start(int(wait.count()), Qt::PreciseTimer, this);

@@ -17,13 +17,15 @@ namespace kestrova::platform {
 namespace {
 
 constexpr double kWide = 600;
+constexpr double kHigh = 480;
 constexpr CGSize kCard{480, 760};
 constexpr double kCardMargin = 24;
 constexpr double kDim = 0.45;
 constexpr double kShadowBlur = 24;
 
+// A flat window, as a phone's on its side, has no room for one.
 bool isCardIn(CGSize window) {
-  return window.width >= kWide;
+  return window.width >= kWide && window.height >= kHigh;
 }
 
 // Gives the keyboard's focus back to where it was in the widget's window, if that is still there.
@@ -72,7 +74,11 @@ class ModalPresentation::Stage : public UIView {
   CGRect place() const { return placeIn(bounds().size); }
 
   void layoutSubviews() override {
-    if (const auto screen = screen_.lock()) screen->setFrame(place());
+    if (const auto screen = screen_.lock()) {
+      screen->setFrame(place());
+      // A ground of the screen's own has the card's corners.
+      screen->layer().setCornerRadius(isCardIn(bounds().size) ? kCardRadius : 0);
+    }
     if (isLowest) UIScreen::main().setBounds(place());
   }
 

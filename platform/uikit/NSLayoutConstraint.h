@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace kestrova::platform {
@@ -12,18 +13,18 @@ class NSLayoutConstraint {
  public:
   enum class Attribute { width, height };
 
-  // One that is not required gives way where the superview is too small.
+  // Where the superview is too small it gives way, down to `least`; without that it never does.
   NSLayoutConstraint(std::string identifier, Attribute attribute, double constant,
-                     bool isRequired = true)
+                     std::optional<double> least = std::nullopt)
       : identifier_(std::move(identifier)),
         attribute_(attribute),
-        isRequired_(isRequired),
+        least_(least),
         constant_(constant),
         shown_(constant) {}
 
   const std::string& identifier() const { return identifier_; }
   Attribute attribute() const { return attribute_; }
-  bool isRequired() const { return isRequired_; }
+  const std::optional<double>& least() const { return least_; }
   // Points. A change shows with the next layout pass, in an animation where that pass is made in
   // an animation block; meanwhile this is the new value.
   double constant() const { return constant_; }
@@ -34,7 +35,7 @@ class NSLayoutConstraint {
 
   std::string identifier_;
   Attribute attribute_;
-  bool isRequired_;
+  std::optional<double> least_;
   double constant_;
   // What the layout has at this moment, and what it moves to.
   double shown_;

@@ -66,14 +66,17 @@ class ScrollIndicator::Bar : public QWidget {
 // The toolkit deletes the bar with the scroll view's widget.
 struct ScrollIndicator::Owned {
   QPointer<Bar> bar;
-  ~Owned() { delete bar; }
 };
 
 ScrollIndicator::ScrollIndicator(QWidget& scrollView) : owned_(std::make_unique<Owned>()) {
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
   owned_->bar = new Bar(scrollView);
 }
 
-ScrollIndicator::~ScrollIndicator() = default;
+ScrollIndicator::~ScrollIndicator() {
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): unless the toolkit was first.
+  delete owned_->bar;
+}
 
 void ScrollIndicator::show(const CGRect& track, double above, double shown) {
   const double way = track.size.height - 2 * kMargin;

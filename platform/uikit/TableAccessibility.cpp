@@ -105,8 +105,9 @@ class Table final : public QAccessibleWidget {
   QAccessibleInterface* child(int index) const override {
     if (index < 0 || index >= childCount()) return nullptr;
     while (rows_.size() <= std::size_t(index)) {
-      rows_.push_back(QAccessible::registerAccessibleInterface(
-          std::make_unique<Row>(*widget(), rows_.size()).release()));
+      // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
+      auto* const row = new Row(*widget(), rows_.size());
+      rows_.push_back(QAccessible::registerAccessibleInterface(row));
     }
     return QAccessible::accessibleInterface(rows_[std::size_t(index)]);
   }
@@ -144,7 +145,8 @@ void tell(UITableView& table, QAccessible::Event kind, std::size_t row) {
 }  // namespace
 
 void TableAccessibility::attach(UITableView& table) {
-  QAccessible::registerAccessibleInterface(std::make_unique<Table>(*table.widget()).release());
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
+  QAccessible::registerAccessibleInterface(new Table(*table.widget()));
 }
 
 void TableAccessibility::rowsChanged(UITableView& table) {

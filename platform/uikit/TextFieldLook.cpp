@@ -26,8 +26,9 @@ QString plainBox() {
       "margin:0px!important;padding:0px!important;border:0px none transparent!important;"
       "border-radius:0px!important;border-image:none!important;outline:none!important;"
       "background:transparent!important;background-image:none!important;image:none!important;"
-      "min-width:0px!important;min-height:0px!important;max-width:16777215px!important;"
-      "max-height:16777215px!important;text-align:left!important;text-decoration:none!important;");
+      "min-width:0px!important;min-height:0px!important;max-width:99999px!important;"
+      "max-height:99999px!important;text-align:left!important;text-decoration:none!important;"
+      "letter-spacing:0px!important;word-spacing:0px!important;");
 }
 
 QString fontRules(const QFont& font) {
@@ -59,9 +60,9 @@ void TextFieldLook::applyToEditor(QWidget& editor, const UIFont& font, const UIC
   const QFont native = QtBridge::font(font);
   useOwnStyle(editor);
   editor.setFont(native);
-  editor.setStyleSheet(QStringLiteral("QLineEdit{%1%2%3}")
-                           .arg(plainBox(), fontRules(native),
-                                colorRules(QtBridge::color(color), kSelection)));
+  editor.setStyleSheet(
+      QStringLiteral("QLineEdit{%1%2%3}")
+          .arg(plainBox(), fontRules(native), colorRules(QtBridge::color(color), kSelection)));
 }
 
 void TextFieldLook::applyToMenu(QWidget& menu) {

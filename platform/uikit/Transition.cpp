@@ -111,6 +111,15 @@ class Transition::Cover : public QWidget {
     }
   }
 
+  bool event(QEvent* event) override {
+    const bool used = QWidget::event(event);
+    // A host's style sheet paints no ground into it.
+    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
+      setAttribute(Qt::WA_StyledBackground, false);
+    }
+    return used;
+  }
+
   // Nothing goes through to the screens below.
   void mousePressEvent(QMouseEvent* event) override { event->accept(); }
   void mouseReleaseEvent(QMouseEvent* event) override { event->accept(); }

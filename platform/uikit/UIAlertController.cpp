@@ -18,6 +18,7 @@ constexpr double kMargin = 24;
 constexpr double kRadius = 14;
 constexpr double kBetween = 8;
 constexpr double kButtonHeight = 52;
+constexpr double kInset = 8;
 constexpr double kVeil = 0.4;
 const UIColor kInk(16 / 255.0, 24 / 255.0, 40 / 255.0, 1);
 const UIColor kBody(71 / 255.0, 84 / 255.0, 103 / 255.0, 1);
@@ -41,10 +42,15 @@ std::shared_ptr<UILabel> label(const std::string& text, const UIFont& font, cons
 
 // One word over the whole width of the card.
 class ActionButton : public UIButton {
+ public:
+  ActionButton() { layer().setCornerRadius(kInset); }
+  // Clear of the card's edge and round corners.
+  CGRect focusRect() const override { return CGRect{{}, bounds().size}.insetBy(kInset, kInset); }
+
  protected:
   void draw(Canvas& canvas) override {
     canvas.fill({{}, {bounds().size.width, 1}}, kLine);
-    if (isHighlighted()) canvas.fill(bounds(), kPressed);
+    if (isHighlighted()) canvas.fill(focusRect().insetBy(-2, -2), kPressed, kInset);
     UIButton::draw(canvas);
   }
 };

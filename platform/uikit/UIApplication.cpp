@@ -38,6 +38,8 @@ void applicationGoes() {
     attached.atExit.pop_back();
     block();
   }
+  // The widgets of views that have ended just now.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   const auto& shared = UIApplication::shared();
   shared->openSettings = nullptr;
   shared->openPage = nullptr;

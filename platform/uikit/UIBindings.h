@@ -21,12 +21,18 @@ class UIBindings {
  public:
   struct Outlet {
     std::string name;
-    // Sets the outlet; false where the object is of another type than the outlet.
+    // Sets the outlet, or clears it where null; false where the object is of another type than the
+    // outlet.
     std::function<bool(const std::shared_ptr<UIView>&)> connect;
   };
   struct ConstraintOutlet {
     std::string name;
     std::function<void(const std::shared_ptr<NSLayoutConstraint>&)> connect;
+  };
+
+  struct NumberProperty {
+    std::string name;
+    std::function<void(double)> set;
   };
 
   // The view of that name. `slot` is a member of the object that is being bound.
@@ -44,6 +50,14 @@ class UIBindings {
         {std::string(name), [&slot](const auto& constraint) { slot = constraint; }});
   }
 
+  // A number of the object, a view, that each of its kind in a storyboard may set; goes before a
+  // property of all views of that name.
+  template <typename Number>
+  void property(std::string_view name, Number& slot) {
+    properties.push_back(
+        {std::string(name), [&slot](double number) { slot = static_cast<Number>(number); }});
+  }
+
   // A member function of the object that is being bound, by the name that the storyboard uses.
   // `self` is not kept.
   template <typename Self>
@@ -57,6 +71,7 @@ class UIBindings {
 
   std::vector<Outlet> outlets;
   std::vector<ConstraintOutlet> constraintOutlets;
+  std::vector<NumberProperty> properties;
   std::map<std::string, UIResponder::Action, std::less<>> actions;
 
  private:
@@ -64,7 +79,7 @@ class UIBindings {
   void addOutlet(std::string_view name, Slot& slot) {
     outlets.push_back({std::string(name), [&slot](const std::shared_ptr<UIView>& view) {
                          auto typed = std::dynamic_pointer_cast<View>(view);
-                         if (!typed) return false;
+                         if (view && !typed) return false;
                          slot = std::move(typed);
                          return true;
                        }});

@@ -64,8 +64,8 @@ NSTextContainer UILabel::textContainer() const {
 }
 
 void UILabel::lay(NSLayoutManager& manager) const {
-  NSTextStorage(attributedText_.value_or(
-                    NSAttributedString(text_, {font_, textColor_, textAlignment_})))
+  NSTextStorage(
+      attributedText_.value_or(NSAttributedString(text_, {font_, textColor_, textAlignment_})))
       .addLayoutManager(manager);
 }
 

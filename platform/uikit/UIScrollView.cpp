@@ -136,6 +136,11 @@ bool UIScrollView::move(CGPoint offset) {
   const CGPoint before = contentOffset();
   place(offset);
   if (contentOffset() == before) return false;
+  flashScrollIndicators();
+  return true;
+}
+
+void UIScrollView::flashScrollIndicators() {
   const CGSize size = bounds().size;
   const UIEdgeInsets& inset = indicatorInsets_;
   const double whole = contentSize_.height + contentInset_.top + contentInset_.bottom;
@@ -143,7 +148,6 @@ bool UIScrollView::move(CGPoint offset) {
       {{std::max(0.0, inset.left), std::max(0.0, inset.top)},
        {size.width - inset.left - inset.right, size.height - inset.top - inset.bottom}},
       (contentOffset().y + contentInset_.top) / whole, size.height / whole);
-  return true;
 }
 
 void UIScrollView::stop() {

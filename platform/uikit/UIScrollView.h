@@ -23,6 +23,8 @@ struct UIEdgeInsets {
 class UIScrollView : public UIView {
  public:
   UIScrollView();
+  UIScrollView(const UIScrollView&) = delete;
+  UIScrollView& operator=(const UIScrollView&) = delete;
   ~UIScrollView() override;
 
   // Off: only code moves the content.
@@ -43,6 +45,9 @@ class UIScrollView : public UIView {
   void setScrollIndicatorInsets(const UIEdgeInsets& inset);
   // Scrolls no further than needed to show `rect`, in the content's coordinates, within the insets.
   void scrollRectToVisible(const CGRect& rect, bool animated);
+
+  // Shows the bar for a moment, as each motion by people does, where there is more than fits.
+  void flashScrollIndicators();
 
   void layoutSubviews() override;
   bool keyPressed(const std::string& key) override;

@@ -14,7 +14,13 @@ void UIStackView::layoutSubviews() {
   const CGSize size = window->bounds().size;
   const bool isFlat = size.height < kFlat && size.width > size.height;
   const auto direction = isFlat ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
-  if (layout->direction() != direction) layout->setDirection(direction);
+  if (layout->direction() == direction && hasDirection_) return;
+  hasDirection_ = true;
+  layout->setDirection(direction);
+  // Parts of a row are equally wide; of a column the last takes what is free.
+  for (int part = 0; part < layout->count(); ++part) {
+    layout->setStretch(part, isFlat || part + 1 == layout->count() ? 1 : 0);
+  }
 }
 
 }  // namespace kestrova::platform

@@ -12,6 +12,9 @@ class UIStackView : public UIView {
   static constexpr double kFlat = 480;
 
   void layoutSubviews() override;
+
+ private:
+  bool hasDirection_ = false;
 };
 
 }  // namespace kestrova::platform

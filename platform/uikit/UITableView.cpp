@@ -29,8 +29,6 @@ UITableView::UITableView() {
   TableAccessibility::attach(*this);
 }
 
-UITableView::~UITableView() = default;
-
 void UITableView::registerPrototype(std::string identifier, CellPool::Factory factory) {
   pool_.registerPrototype(std::move(identifier), std::move(factory));
 }
@@ -87,9 +85,8 @@ void UITableView::load() {
   if (rows_.count() == 0 || !isFocused()) {
     focused_.reset();
     showsFocus_ = false;
-  } else {
-    showsFocus_ = showsFocus_ || !focused_;
-    focused_ = std::min(focused_.value_or(0), rows_.count() - 1);
+  } else if (focused_) {
+    focused_ = std::min(*focused_, rows_.count() - 1);
   }
   isAsking_ = true;
   setContentSize({bounds().size.width, rows_.height()});
@@ -115,7 +112,7 @@ void UITableView::showRows() {
     return true;
   });
   isAsking_ = true;
-  for (std::size_t row = first; row < last; ++row) show(row);
+  for (std::size_t row = first; row < last && !needsReload_; ++row) show(row);
   isAsking_ = false;
   // Those whose row has left and which no other row has taken.
   const auto subviews = this->subviews();
@@ -263,7 +260,9 @@ void UITableView::showFocus(bool shows) {
 void UITableView::focusRow(std::size_t row) {
   const auto self = shared(this);
   focused_ = row;
+  const CGPoint before = contentOffset();
   scrollRectToVisible(accessibilityRowRect(row), false);
+  if (contentOffset() != before) flashScrollIndicators();
   showFocus(true);
   TableAccessibility::focusChanged(*this, row);
 }
@@ -295,7 +294,7 @@ void UITableView::selectFocusedRow() {
 }
 
 bool UITableView::keyPressed(const std::string& key) {
-  if (rows_.count() == 0) return UIView::keyPressed(key);
+  if (rows_.count() == 0) return false;
   const int page = int(rowsInSight()) - 1;
   const int all = int(rows_.count());
   const std::pair<std::string_view, int> moves[] = {
@@ -312,7 +311,7 @@ bool UITableView::keyPressed(const std::string& key) {
 }
 
 void UITableView::focusChanged() {
-  if (!isFocused() || rows_.count() == 0) return showFocus(false);
+  if (!isFocusedByKeyboard() || rows_.count() == 0) return showFocus(false);
   if (focused_) return focusRow(*focused_);
   if (selected_) return focusRow(*selected_);
   moveFocusedRow(1);

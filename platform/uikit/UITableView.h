@@ -25,7 +25,6 @@ class UITableViewDelegate;
 class UITableView : public UIScrollView {
  public:
   UITableView();
-  ~UITableView() override;
 
   // Set before the table is shown; followed by reloadData() afterwards.
   std::weak_ptr<UITableViewDataSource> dataSource;

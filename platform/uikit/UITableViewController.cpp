@@ -20,6 +20,8 @@ void UITableViewController::loadView() {
   }
   table->dataSource = shared(this);
   table->delegate = shared(this);
+  // What has been laid out before had nobody to ask.
+  table->setNeedsLayout();
 }
 
 }  // namespace kestrova::platform

@@ -114,9 +114,9 @@ class UITextField::Editor : public QLineEdit {
     const auto edit = TextEdit::between(view(known_), view(input), std::size_t(cursor));
     isAsking_ = true;
     const auto asked = field->delegate.lock();
-    const bool may =
-        !asked || asked->textFieldShouldChangeCharactersIn(
-                      *field, edit.range, QString::fromStdU16String(edit.replacement).toStdString());
+    const bool may = !asked || asked->textFieldShouldChangeCharactersIn(
+                                   *field, edit.range,
+                                   QString::fromStdU16String(edit.replacement).toStdString());
     isAsking_ = false;
     if (override_) {
       // The delegate has set a text of its own.
@@ -222,6 +222,7 @@ QValidator::State UITextField::Gate::validate(QString& input, int& cursor) const
 
 UITextField::UITextField() : editor_(nullptr), font_(UIFont::systemFont(kFontSize)) {
   editor_ = new Editor(*this);
+  AccessibleView::registerEditor(*editor_);
   setFocusable(true);
   widget()->setFocusProxy(editor_);
   widget()->setCursor(Qt::IBeamCursor);

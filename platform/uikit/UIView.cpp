@@ -147,11 +147,19 @@ class UIView::Widget : public QWidget {
       view_->settleConstraints();
       view_->layoutPass();
     }
+    const QSize least = minimumSize();
+    const QSize most = maximumSize();
+    const QRect place = geometry();
     const bool used = QWidget::event(event);
     switch (event->type()) {
       case QEvent::Polish:
+        // A host's style sheet gives our views no size.
+        setMinimumSize(least);
+        setMaximumSize(most);
+        setGeometry(place);
+        [[fallthrough]];
       case QEvent::StyleChange:
-        // A host's style sheet paints no ground into our views.
+        // Nor does it paint a ground into them.
         setAttribute(Qt::WA_StyledBackground, false);
         break;
       case QEvent::ShortcutOverride:
@@ -192,12 +200,21 @@ class UIView::Widget : public QWidget {
     event->setAccepted(used || (alive && dynamic_cast<UIWindow*>(alive.get())));
   }
 
-  void focusInEvent(QFocusEvent*) override { focusChanged(); }
+  void focusInEvent(QFocusEvent* event) override {
+    const Qt::FocusReason reason = event->reason();
+    if (view_) {
+      view_->isFocusedByKeyboard_ = reason == Qt::TabFocusReason ||
+                                    reason == Qt::BacktabFocusReason ||
+                                    reason == Qt::ShortcutFocusReason;
+    }
+    focusChanged();
+  }
   void focusOutEvent(QFocusEvent*) override { focusChanged(); }
 
   bool focusNextPrevChild(bool next) override {
     const auto window = view_ ? view_->window() : nullptr;
-    return window ? window->moveFocus(next) : QWidget::focusNextPrevChild(next);
+    // Behind the ends of a window inside a form the host's order goes on.
+    return (window && window->moveFocus(next)) || QWidget::focusNextPrevChild(next);
   }
 
  private:
@@ -524,15 +541,16 @@ void UIView::apply(const NSLayoutConstraint& constraint) {
   if (!view || !view->widget_) return;
   const int length = std::max(0, int(std::lround(constraint.shown_)));
   // One that gives way is a wish with the length as its limit.
-  const bool isRequired = constraint.isRequired();
+  const auto& least = constraint.least();
+  const int minimum = least ? std::min(length, int(std::lround(*least))) : length;
   if (constraint.attribute() == NSLayoutConstraint::Attribute::height) {
-    view->widget_->setMinimumHeight(isRequired ? length : 0);
+    view->widget_->setMinimumHeight(minimum);
     view->widget_->setMaximumHeight(length);
-    if (!isRequired) view->widget_->wish.setHeight(length);
+    if (least) view->widget_->wish.setHeight(length);
   } else {
-    view->widget_->setMinimumWidth(isRequired ? length : 0);
+    view->widget_->setMinimumWidth(minimum);
     view->widget_->setMaximumWidth(length);
-    if (!isRequired) view->widget_->wish.setWidth(length);
+    if (least) view->widget_->wish.setWidth(length);
   }
   view->widget_->updateGeometry();
 }
@@ -626,6 +644,10 @@ void UIView::setFocusable(bool focusable) {
 
 bool UIView::isFocused() const {
   return widget_ && widget_->hasFocus();
+}
+
+bool UIView::isFocusedByKeyboard() const {
+  return isFocused() && isFocusedByKeyboard_;
 }
 
 void UIView::becomeFocused() {

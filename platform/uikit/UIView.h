@@ -162,6 +162,8 @@ class UIView : public UIResponder {
   bool isFocusable() const { return isFocusable_; }
   void setFocusable(bool focusable);
   bool isFocused() const;
+  // Focused, and not merely because its window came to the front.
+  bool isFocusedByKeyboard() const;
   void becomeFocused();
   // A key that reached the focused view or one below this one: true where it was used.
   virtual bool keyPressed(const std::string& key);
@@ -241,6 +243,7 @@ class UIView : public UIResponder {
   bool isInWindow_ = false;
   bool isUserInteractionEnabled_ = true;
   bool isFocusable_ = false;
+  bool isFocusedByKeyboard_ = false;
   bool needsLayout_ = true;
   bool translatesAutoresizingMask_ = true;
   UIViewContentMode contentMode_ = UIViewContentMode::scaleToFill;

@@ -3,7 +3,11 @@
 #include <utility>
 
 #include "platform/foundation/Print.h"
+#include "platform/uikit/UIApplication.h"
+#include "platform/uikit/UIViewController.h"
 #include "sdk/backend/API.h"
+#include "sdk/flow/Flow.h"
+#include "sdk/ui/Extensions.h"
 
 namespace kestrova {
 
@@ -32,6 +36,17 @@ void storeAuthentication(const JSONDictionary& answer) {
   Kestrova::next_step = *next;
 }
 
+void present(const std::shared_ptr<UIViewController>& from) {
+  if (!UIApplication::exists() || !from) {
+    return print("Kestrova: this process has no interface, nothing is presented");
+  }
+  const auto flow = makeFlow();
+  if (!flow) {
+    return print("Kestrova: nothing is presented: " + flow.error().localizedDescription);
+  }
+  from->present(flow.value(), true);
+}
+
 }  // namespace
 
 std::optional<std::string> Kestrova::apiKey;
@@ -45,13 +60,14 @@ std::optional<std::string> Kestrova::email;
 
 void Kestrova::initialize(std::string key) {
   apiKey = std::move(key);
+  UIFontExtensions::loadMyFonts();
 }
 
-void Kestrova::startVerification(const std::shared_ptr<UIViewController>& /*from*/) {
+void Kestrova::startVerification(const std::shared_ptr<UIViewController>& from) {
   print("Kestrova API key is: " + description(apiKey));
   if (!apiKey) throw KestrovaError(KestrovaErrors::notInitializedApiKey);
   API::createAuthentication(*apiKey, storeAuthentication);
-  print("Kestrova: this process has no interface, nothing is presented");
+  present(from);
 }
 
 std::optional<Bundle> Kestrova::bundle() {

@@ -10,6 +10,9 @@ void playGIF(std::string_view name, UIView& container) {
   if (!picture) return;
   const auto imageView = std::make_shared<UIImageView>(*picture);
   imageView->setFrame(container.frame());
+  // A round container shows a round picture.
+  imageView->layer().setCornerRadius(container.layer().cornerRadius());
+  imageView->setClipsToBounds(true);
   container.addSubview(imageView);
   imageView->setCenter({container.frame().size.width / 2, container.frame().size.height / 2});
 }

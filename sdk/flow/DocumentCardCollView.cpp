@@ -1,6 +1,13 @@
 #include "sdk/flow/DocumentCardCollView.h"
 
+#include "platform/uikit/UIBindings.h"
+
 namespace kestrova {
+
+void DocumentCardCollView::bind(UIBindings& bindings) {
+  bindings.property("cornerRadius", cornerRadius);
+  bindings.property("borderWidth", borderWidth);
+}
 
 void DocumentCardCollView::layoutSubviews() {
   UIView::layoutSubviews();

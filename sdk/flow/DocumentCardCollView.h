@@ -15,6 +15,7 @@ class DocumentCardCollView : public UIView {
   double cornerRadius = 4;
   float borderWidth = 1.5F;
 
+  void bind(UIBindings& bindings) override;
   void layoutSubviews() override;
 };
 

@@ -153,6 +153,25 @@ TEST_F(GIFTest, findsTheNextImageAfterOneOfAnyLength) {
   }
 }
 
+TEST_F(GIFTest, decodesCodesOfAnyDepth) {
+  // What follows the end of the codes counts for nothing.
+  auto ended = red;
+  ended.pop_back();
+  for (int i = 0; i < 20; ++i) ended += "\1\xff"s;
+  auto source = sourceOf(file(ended + "\0"s + green));
+  EXPECT_EQ(source.value().imageAtIndex(0).value()->pixels()[0], redPixel);
+  ended[7] = 2;
+  source = sourceOf(file(ended + "\0"s + green));
+  EXPECT_FALSE(source.value().imageAtIndex(0));
+  EXPECT_TRUE(source.value().imageAtIndex(1));
+  for (const char depth : {'\0', '\1', '\x9', '\xc', '\x1f', '\x40', '\xff'}) {
+    auto odd = red;
+    odd[10] = depth;
+    auto other = sourceOf(file(odd));
+    if (other && other.value().count() > 0) (void)other.value().imageAtIndex(0);
+  }
+}
+
 TEST_F(GIFTest, clipsFramesToTheScreen) {
   auto beyond = green;
   beyond[1] = 1;

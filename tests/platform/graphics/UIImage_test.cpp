@@ -185,6 +185,17 @@ TEST_F(ImageFileTest, takesNoMemoryForWhatItDoesNotShow) {
   EXPECT_LT(peak() - before, 100);
 }
 
+TEST_F(ImageFileTest, refusesScansWithoutEnd) {
+  run("convert -size 40x30 plasma:red-blue -interlace JPEG a.jpg");
+  const auto whole = bytes("a.jpg");
+  const auto scan =
+      whole.substr(whole.rfind("\xff\xda"), whole.size() - 2 - whole.rfind("\xff\xda"));
+  auto file = whole.substr(0, whole.size() - 2);
+  for (int i = 0; i < 60; ++i) file += scan;
+  file += "\xff\xd9";
+  EXPECT_FALSE(UIImage::make(asData(file)).value().cgImage());
+}
+
 TEST_F(ImageFileTest, survivesAnyFlippedByte) {
   run("convert -size 12x9 plasma:red-blue -interlace PNG a.png");
   run("convert -size 12x9 plasma:red-blue -interlace JPEG b.jpg");

@@ -10,16 +10,12 @@
 namespace kestrova::test {
 
 // A finger or the mouse on a view's window, at times that the test gives: each event comes as the
-// toolkit would send it, to the widget on which the touch began.
+// toolkit would send it, to the widget on which the touch began as long as that can be seen.
 class Finger {
  public:
   // Presses at a point of the view's widget.
   Finger(const platform::UIView& view, platform::CGPoint point)
       : view_(view.widget()), point_(at(point)) {
-    QWidget* const top = view_->window();
-    const QPoint inTop = view_->mapTo(top, point_.toPoint());
-    QWidget* const child = top->childAt(inTop);
-    touched_ = child ? child : top;
     send(QEvent::MouseButtonPress, Qt::LeftButton);
   }
 
@@ -39,7 +35,12 @@ class Finger {
   static QPointF at(platform::CGPoint point) { return {point.x, point.y}; }
 
   void send(QEvent::Type type, Qt::MouseButtons buttons) {
-    if (!touched_ || !view_) return;
+    if (!view_) return;
+    if (!touched_ || !touched_->isVisible()) {
+      QWidget* const top = view_->window();
+      QWidget* const child = top->childAt(view_->mapTo(top, point_.toPoint()));
+      touched_ = child ? child : top;
+    }
     const QPointF global = view_->mapToGlobal(point_);
     const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, touched_->mapFromGlobal(global), global, button, buttons, {});

@@ -22,9 +22,10 @@ namespace kestrova::test {
 
 // A test with an interface drawn into memory: an application object, a window of 375 x 667 points,
 // events as the toolkit makes them, and a clock that stands still until advance().
-class Interface : public ::testing::Test {
+template <typename Base>
+class InterfaceOn : public Base {
  protected:
-  Interface() {
+  InterfaceOn() {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): the tests are on one thread.
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     application_ = std::make_unique<QApplication>(count_, arguments_);
@@ -32,7 +33,7 @@ class Interface : public ::testing::Test {
     platform::AnimationClock::shared().useManualTime();
   }
 
-  ~Interface() override {
+  ~InterfaceOn() override {
     screen_.reset();
     window_.reset();
     settle();
@@ -148,7 +149,7 @@ class Interface : public ::testing::Test {
     QImage image(widget.size() * scale, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
     image.fill(Qt::white);
-    widget.render(&image);
+    widget.render(&image, {}, {}, QWidget::DrawChildren);
     return image;
   }
 
@@ -165,5 +166,7 @@ class Interface : public ::testing::Test {
   std::shared_ptr<platform::UIWindow> window_;
   std::shared_ptr<platform::UIView> screen_;
 };
+
+using Interface = InterfaceOn<::testing::Test>;
 
 }  // namespace kestrova::test

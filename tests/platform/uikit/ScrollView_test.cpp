@@ -140,6 +140,17 @@ TEST_F(ScrollView, ATouchThatStopsAGlideIsNoTap) {
   EXPECT_EQ(taps, 1);
 }
 
+TEST_F(ScrollView, ATouchWhoseViewGoesIsTakenFromTheControlAroundIt) {
+  const auto button = place(std::make_shared<Button>(), {{0, 0}, {100, 50}});
+  const auto title = std::make_shared<UIView>(CGRect{{0, 0}, {100, 50}});
+  button->addSubview(title);
+  Finger finger(*button, {50, 25});
+  EXPECT_TRUE(button->isHighlighted());
+  title->removeFromSuperview();
+  finger.release();
+  EXPECT_FALSE(button->isHighlighted());
+}
+
 TEST_F(ScrollView, ATouchScreensEventsMoveItOnce) {
   const auto view = scrollView();
   const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());

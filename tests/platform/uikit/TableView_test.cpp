@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <QtGui/QAccessible>
+#include <QtGui/QWindow>
 #include <QtWidgets/QVBoxLayout>
 
 #include "platform/uikit/AnimationClock.h"
@@ -252,7 +253,27 @@ TEST_F(TableView, ADragOrAStrayFingerChoosesNothing) {
   view->setScrollEnabled(false);
   Finger(*view, {100, 20}).to({100, 90}).to({100, 20}).release();
   Finger(*view, {100, 20}).to({-30, 20}).release();
+  Finger held(*view, {100, 20});
+  view->reloadData();
+  held.release();
   for (const auto& call : take()) EXPECT_EQ(call.find("chosen"), std::string::npos) << call;
+}
+
+TEST_F(TableView, ADragGoesOnWhenTheRowOnWhichItBeganHasLeft) {
+  const auto view = table();
+  QWindow* const screen = window().widget()->windowHandle();
+  const auto point = [](int y) { return QPoint(150, 100 + y); };
+  QTest::mousePress(screen, Qt::LeftButton, {}, point(20));
+  QTest::mouseMove(screen, point(5));
+  QTest::mouseMove(screen, point(-60));
+  settle();
+  EXPECT_EQ(view->cellForRow({0}), nullptr);
+  QTest::mouseMove(screen, point(-90));
+  settle();
+  EXPECT_EQ(view->contentOffset().y, 95);
+  QTest::mouseRelease(screen, Qt::LeftButton, {}, point(-90));
+  settle();
+  EXPECT_FALSE(view->isDragging());
 }
 
 class Screen : public UIGestureRecognizerDelegate {
@@ -335,6 +356,16 @@ TEST_F(TableView, MayBeReloadedOrScrolledWhileItAsksForCells) {
   const auto view = table();
   EXPECT_EQ(cellsIn(*view), 3U);
   EXPECT_EQ(view->contentOffset().y, 0);
+  EXPECT_EQ(model->asked, (Calls{"0.0", "0.0", "0.1", "0.2"})) << "no row that is gone";
+}
+
+TEST_F(TableView, ScrolledWhileItAsksForCellsItStillAsksForEachOnce) {
+  model->onCell = [&](UITableView& asked, const IndexPath& path) {
+    if (path.row == 2) asked.setContentOffset({0, 20});
+  };
+  const auto view = table();
+  EXPECT_EQ(model->asked, (Calls{"0.0", "0.1", "0.2", "0.3", "0.4", "0.5", "0.6", "0.7"}));
+  EXPECT_EQ(view->cellForRow({7})->frame(), view->rectForRow({7}));
 }
 
 TEST_F(TableView, StaysWholeWithoutItsDataSource) {
@@ -411,6 +442,18 @@ TEST_F(TableView, IsOnePlaceToTabToWhereKeysMoveARowAndChooseIt) {
   EXPECT_EQ(picture(*view).pixelColor(150, 2 * 44 + 2), ring);
   tap(*view, {0});
   EXPECT_NE(picture(*view).pixelColor(150, 2 * 44 + 2), ring) << "a touch takes the ring away";
+}
+
+TEST_F(TableView, ShowsNoRowForKeysBeforeOneIsPressed) {
+  const auto view = table();
+  const QColor ring(0, 87, 255);
+  view->widget()->setFocus(Qt::ActiveWindowFocusReason);
+  EXPECT_TRUE(view->isFocused());
+  EXPECT_EQ(view->focusedRow(), std::nullopt);
+  EXPECT_NE(picture(*view).pixelColor(150, 2), ring);
+  key(Qt::Key_Down);
+  EXPECT_EQ(view->focusedRow(), IndexPath{0});
+  EXPECT_EQ(picture(*view).pixelColor(150, 2), ring);
 }
 
 TEST_F(TableView, AFieldAboveItCanMoveTheRowThatKeysChoose) {

@@ -1,0 +1,211 @@
+// Draws every screen of the flow in every state as PNG files, without a display and without a
+// backend: for eyes, not for tests.
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QtGui/QPainter>
+#include <QtGui/QPixmap>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
+
+#include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIKeyboard.h"
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UIStoryboardScene.h"
+#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UITextField.h"
+#include "platform/uikit/UIViewController.h"
+#include "platform/uikit/UIWindow.h"
+#include "sdk/core/Kestrova.h"
+#include "sdk/flow/CheckEmailViewController.h"
+#include "sdk/flow/ChooseCitizenViewController.h"
+#include "sdk/flow/ChooseDocumentTypeViewController.h"
+#include "sdk/flow/DocumentTableViewController.h"
+#include "sdk/flow/Flow.h"
+#include "sdk/flow/MoveHeadViewController.h"
+#include "sdk/flow/ScanIDInstructionsViewController.h"
+#include "sdk/ui/Extensions.h"
+#include "sdk/ui/SpinnerView.h"
+
+namespace kestrova {
+namespace {
+
+struct Size {
+  const char* name;
+  int width;
+  int height;
+};
+constexpr Size kSizes[] = {{"375x667", 375, 667}, {"320x568", 320, 568},   {"430x932", 430, 932},
+                           {"667x375", 667, 375}, {"820x1180", 820, 1180}, {"1280x800", 1280, 800}};
+
+// The flow over a plain host's window, at one of its screens.
+class Stage {
+ public:
+  Stage(const Size& size, const std::string& scene) {
+    host_.resize(size.width, size.height);
+    host_.setStyleSheet("background: #EEF1F6");
+    host_.show();
+    wrapper_ = UIViewController::wrapping(host_);
+    auto flow = makeFlow();
+    if (!flow) {
+      std::fprintf(stderr, "%s\n", flow.error().localizedDescription.c_str());
+      std::exit(1);
+    }
+    wrapper_->present(flow.value(), false);
+    navigation_ =
+        std::dynamic_pointer_cast<UINavigationController>(flow.value()->children().front());
+    screen_ = navigation_->topViewController();
+    if (scene != "ChooseCitizen") {
+      screen_ = screen_->scene()->instantiate(scene).value();
+      navigation_->pushViewController(screen_, false);
+    }
+    settle(0.5);
+  }
+  ~Stage() { wrapper_->dismiss(false); }
+
+  template <typename Screen>
+  Screen& screen() {
+    return dynamic_cast<Screen&>(*screen_);
+  }
+
+  static void settle(double seconds) {
+    AnimationClock::shared().advance(seconds);
+    for (int round = 0; round < 5; ++round) QCoreApplication::processEvents();
+  }
+
+  void save(const std::filesystem::path& file, double keyboard) {
+    QPixmap picture = host_.grab();
+    if (keyboard > 0) {
+      QPainter painter(&picture);
+      painter.fillRect(QRectF(0, host_.height() - keyboard, host_.width(), keyboard),
+                       QColor(0xD1, 0xD5, 0xDB));
+    }
+    picture.save(QString::fromStdString(file.string()));
+  }
+
+ private:
+  QWidget host_;
+  std::shared_ptr<UIViewController> wrapper_;
+  std::shared_ptr<UINavigationController> navigation_;
+  std::shared_ptr<UIViewController> screen_;
+};
+
+struct State {
+  const char* name;
+  const char* scene;
+  std::function<void(Stage&)> prepare = [](Stage&) {};
+  // Height of the on-screen keyboard, points.
+  double keyboard = 0;
+};
+
+constexpr double kKeyboard = 260;
+
+void select(UITableView& table, std::size_t row, UITableViewDelegate& told) {
+  table.selectRow({row, 0}, false);
+  told.tableViewDidSelectRowAt(table, {row, 0});
+}
+
+std::vector<State> states() {
+  const auto nationality = [](Stage& stage) -> ChooseCitizenViewController& {
+    return stage.screen<ChooseCitizenViewController>();
+  };
+  return {
+      {"01-nationality", "ChooseCitizen"},
+      {"02-nationality-open", "ChooseCitizen",
+       [=](Stage& stage) { nationality(stage).tapOnArrow(nullptr); }},
+      {"03-nationality-searching", "ChooseCitizen",
+       [=](Stage& stage) {
+         auto& screen = nationality(stage);
+         screen.shouldShowKeyboard = true;
+         screen.tapOnArrow(nullptr);
+         const auto field = screen.countryTextfield.lock();
+         field->becomeFirstResponder();
+         field->setText("un");
+         screen.searchCountrylist("un");
+       }},
+      {"04-nationality-chosen", "ChooseCitizen",
+       [=](Stage& stage) {
+         auto& screen = nationality(stage);
+         screen.tableViewDidSelectRowAt(*screen.tableView.lock(), {2, 0});
+       }},
+      {"05-nationality-alert", "ChooseCitizen",
+       [=](Stage& stage) { nationality(stage).startButton(nullptr); }},
+      {"06-email", "CheckEmail"},
+      {"07-email-keyboard", "CheckEmail",
+       [](Stage& stage) {
+         const auto field = stage.screen<CheckEmailViewController>().emailTextfield.lock();
+         field->becomeFirstResponder();
+         field->setText("ada@example.com");
+       },
+       kKeyboard},
+      {"08-email-sending", "CheckEmail",
+       [](Stage& stage) {
+         auto& screen = stage.screen<CheckEmailViewController>();
+         const auto field = screen.emailTextfield.lock();
+         field->becomeFirstResponder();
+         field->setText("ada@example.com");
+         screen.spinner.lock()->setHidden(false);
+       }},
+      {"09-selfie", "MoveHead"},
+      {"10-selfie-sending", "MoveHead",
+       [](Stage& stage) {
+         stage.screen<MoveHeadViewController>().loadingView.lock()->setHidden(false);
+       }},
+      {"11-document", "ChooseDocumentType"},
+      {"12-document-chosen", "ChooseDocumentType",
+       [](Stage& stage) {
+         auto& screen = stage.screen<ChooseDocumentTypeViewController>();
+         auto& list = dynamic_cast<DocumentTableViewController&>(*screen.children().front());
+         select(dynamic_cast<UITableView&>(*list.view()), 1, list);
+       }},
+      {"13-front", "ScanIDInstructions"},
+      {"14-front-sending", "ScanIDInstructions",
+       [](Stage& stage) {
+         stage.screen<ScanIDInstructionsViewController>().loadingView.lock()->setHidden(false);
+       }},
+      {"15-back", "ScanBackside"},
+      {"16-congratulations", "Congrats"},
+      {"17-warning", "Warning"},
+  };
+}
+
+}  // namespace
+}  // namespace kestrova
+
+int main(int count, char** arguments) {
+  using namespace kestrova;
+  if (count < 2) {
+    std::fprintf(stderr, "usage: kestrova-screens DIRECTORY [SIZE]\n");
+    return 2;
+  }
+  const std::string wanted = count > 2 ? arguments[2] : "";
+  ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  ::setenv("QT_SCALE_FACTOR", "2", 0);
+  QApplication application(count, arguments);
+  UIFontExtensions::loadMyFonts();
+  AnimationClock::shared().useManualTime();
+  for (const auto& size : kSizes) {
+    if (!wanted.empty() && wanted != size.name) continue;
+    const auto folder = std::filesystem::path(arguments[1]) / size.name;
+    std::filesystem::create_directories(folder);
+    for (const auto& state : states()) {
+      Stage stage(size, state.scene);
+      state.prepare(stage);
+      if (state.keyboard > 0) {
+        UIKeyboard::shared().inputMethodChanged(
+            true, {{0, size.height - state.keyboard}, {double(size.width), state.keyboard}});
+      }
+      Stage::settle(1);
+      stage.save(folder / (std::string(state.name) + ".png"), state.keyboard);
+      UIKeyboard::shared().inputMethodChanged(false, {});
+    }
+  }
+  return 0;
+}

@@ -1,0 +1,17 @@
+#include "sdk/ui/ViewClasses.h"
+
+#include "platform/uikit/UIClassRegistry.h"
+#include "sdk/Platform.h"
+#include "sdk/ui/KestrovaButton.h"
+#include "sdk/ui/ProgressStepsView.h"
+#include "sdk/ui/SpinnerView.h"
+
+namespace kestrova {
+
+void registerViewClasses() {
+  UIClassRegistry::registerClass<KestrovaButton>("KestrovaButton");
+  UIClassRegistry::registerClass<ProgressStepsView>("ProgressStepsView");
+  UIClassRegistry::registerClass<SpinnerView>("SpinnerView");
+}
+
+}  // namespace kestrova

@@ -1,0 +1,426 @@
+// The flow as a user walks through it: real taps and keys on the laid-out screens.
+
+#include "platform/uikit/NSLayoutConstraint.h"
+#include "platform/uikit/UIAlertController.h"
+#include "platform/uikit/UIApplication.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UIKeyboard.h"
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/UINavigationBar.h"
+#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UITextField.h"
+#include "platform/uikit/UIWindow.h"
+#include "sdk/flow/CheckEmailViewController.h"
+#include "sdk/flow/ChooseCitizenViewController.h"
+#include "sdk/flow/ChooseDocumentTypeViewController.h"
+#include "sdk/flow/CongratsViewController.h"
+#include "sdk/flow/DocumentTableViewCell.h"
+#include "sdk/flow/DocumentTableViewController.h"
+#include "sdk/flow/MoveHeadViewController.h"
+#include "sdk/flow/ScanIDInstructionsViewController.h"
+#include "sdk/flow/VerificationStart.h"
+#include "sdk/flow/WarningViewController.h"
+#include "sdk/ui/DeviceModel.h"
+#include "sdk/ui/Extensions.h"
+#include "sdk/ui/ProgressStepsView.h"
+#include "sdk/ui/SpinnerView.h"
+#include "tests/sdk/flow/FlowTest.h"
+
+namespace kestrova {
+namespace {
+
+class Flow : public test::FlowTest {
+ protected:
+  // A tap on the row of the list.
+  static void tapRow(UITableView& table, std::size_t row) {
+    const CGRect rect = table.rectForRow({row, 0});
+    const CGPoint offset = table.contentOffset();
+    click(table, {rect.midX() - offset.x, rect.midY() - offset.y});
+  }
+  static void typeInto(UITextField& field, const std::string& text) {
+    field.becomeFirstResponder();
+    settle();
+    QTest::keyClicks(QApplication::focusWidget(), QString::fromStdString(text));
+    settle();
+  }
+  static double dropdown(const ChooseCitizenViewController& screen) {
+    return screen.dropdownHeightConstraint.lock()->constant();
+  }
+  static void chooseFirst(ChooseCitizenViewController& screen) {
+    click(*screen.countryTextfield.lock());
+    finishMotion();
+    tapRow(*screen.tableView.lock(), 0);
+    finishMotion();
+  }
+};
+
+TEST_F(Flow, GoesFromTheHostsScreenToTheSelfie) {
+  start();
+  const auto nationality = top<ChooseCitizenViewController>();
+  ASSERT_TRUE(nationality);
+  EXPECT_FALSE(nationality->chooseButton.lock()->isEnabled());
+  chooseFirst(*nationality);
+  EXPECT_EQ(nationality->selectedCountryCode, "us");
+  EXPECT_EQ(nationality->countryTextfield.lock()->text(), "United States");
+  EXPECT_EQ(nationality->chooseButton.lock()->backgroundColor(), UIColorExtensions::kestrovaBlue());
+  click(*nationality->chooseButton.lock());
+  const auto email = waitForTop<CheckEmailViewController>();
+  ASSERT_TRUE(email);
+  EXPECT_EQ(linesThatBegin("setNationality response: [").size(), 1U);
+  EXPECT_NE(lastRequest().body.find("country_code=us"), std::string::npos);
+
+  EXPECT_TRUE(email->spinner.lock()->isHidden());
+  typeInto(*email->emailTextfield.lock(), "  Ada@Example.com ");
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+  EXPECT_FALSE(email->spinner.lock()->isHidden());
+  EXPECT_EQ(Kestrova::email, "Ada@Example.com");
+  ASSERT_TRUE(waitForTop<MoveHeadViewController>());
+  EXPECT_TRUE(email->spinner.lock()->isHidden());
+  EXPECT_EQ(linesThatBegin("singup response: [").size(), 1U);
+  EXPECT_NE(lastRequest().body.find("identifier=Ada%40Example.com"), std::string::npos);
+  EXPECT_TRUE(navigation()->goBack());
+}
+
+TEST_F(Flow, MovesOnAfterAnyAnswerThatIsAnObjectAndOnlyOnce) {
+  start();
+  const auto nationality = top<ChooseCitizenViewController>();
+  chooseFirst(*nationality);
+  play("status-500-object:once");
+  // Twice before the first answer can come.
+  const auto button = nationality->chooseButton.lock();
+  for (int tap = 0; tap < 2; ++tap) {
+    press(*button, middle(*button));
+    release(*button, middle(*button));
+  }
+  ASSERT_TRUE(waitForTop<CheckEmailViewController>());
+  ASSERT_TRUE(waitFor([&] { return linesThatBegin("setNationality response: ").size() == 2; }));
+  finishMotion();
+  EXPECT_EQ(navigation()->viewControllers().size(), 2U);
+}
+
+TEST_F(Flow, LeadsToTheWarningWhereAKeyIsMissing) {
+  start(false);
+  const auto nationality = top<ChooseCitizenViewController>();
+  chooseFirst(*nationality);
+  Kestrova::apiKey.reset();
+  Kestrova::authentication_key.reset();
+  click(*nationality->chooseButton.lock());
+  auto warning = waitForTop<WarningViewController>();
+  ASSERT_TRUE(warning);
+  EXPECT_EQ(linesThatBegin("Api key not initialized").size(), 1U);
+  EXPECT_TRUE(linesThatBegin("Auth key not initialized").empty());
+  // Back, for the backend may have answered meanwhile.
+  EXPECT_EQ(warning->leaveButton.lock()->title(), "Try again");
+  click(*warning->leaveButton.lock());
+  finishMotion();
+  ASSERT_TRUE(top<ChooseCitizenViewController>());
+  Kestrova::apiKey = "K";
+  click(*nationality->chooseButton.lock());
+  ASSERT_TRUE(waitForTop<WarningViewController>());
+  EXPECT_EQ(linesThatBegin("Auth key not initialized").size(), 1U);
+  navigation()->popViewController(false);
+
+  const auto email = push<CheckEmailViewController>("CheckEmail");
+  typeInto(*email->emailTextfield.lock(), "a@b.cc");
+  click(*email->startButton.lock());
+  ASSERT_TRUE(waitForTop<WarningViewController>());
+  EXPECT_EQ(Kestrova::email, "a@b.cc");
+  // Up behind the warning.
+  EXPECT_FALSE(email->spinner.lock()->isHidden());
+  navigation()->popViewController(false);
+
+  // This screen tests the other key first, and its second way is dropped.
+  const auto type = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
+  type->didClickOnCell("PASSPORT");
+  Kestrova::apiKey.reset();
+  click(*type->nextButton.lock());
+  warning = waitForTop<WarningViewController>();
+  ASSERT_TRUE(warning);
+  EXPECT_EQ(linesThatBegin("Auth key not initialized").size(), 3U);
+  EXPECT_EQ(linesThatBegin("Api key not initialized").size(), 1U);
+  EXPECT_EQ(linesThatBegin("Kestrova: the segue \"prepareDocumentSegue\" is dropped").size(), 1U);
+}
+
+TEST_F(Flow, OpensSearchesAndClosesTheListOfCountries) {
+  start();
+  const auto screen = top<ChooseCitizenViewController>();
+  const auto field = screen->countryTextfield.lock();
+  const auto table = screen->tableView.lock();
+  EXPECT_EQ(dropdown(*screen), 60);
+  click(*field);
+  EXPECT_EQ(dropdown(*screen), 300);
+  EXPECT_TRUE(screen->shouldShowKeyboard);
+  EXPECT_FALSE(field->isEditing());
+  finishMotion();
+  EXPECT_EQ(screen->borderView.lock()->frame().size.height, 300);
+
+  // The first five, a divider of 20 points that nothing chooses, the rest.
+  EXPECT_EQ(table->rectForRow({5, 0}).size.height, 20);
+  EXPECT_EQ(table->rectForRow({4, 0}).size.height, 44);
+  tapRow(*table, 5);
+  EXPECT_EQ(screen->selectedCountryCode, "");
+  EXPECT_EQ(dropdown(*screen), 300);
+  tapRow(*table, 2);
+  finishMotion();
+  EXPECT_EQ(screen->selectedCountryCode, "de");
+  EXPECT_EQ(screen->borderView.lock()->frame().size.height, 60);
+  EXPECT_FALSE(screen->shouldShowKeyboard);
+
+  // The second tap clears the choice and types.
+  click(*field);
+  finishMotion();
+  click(*field);
+  EXPECT_TRUE(field->isEditing());
+  EXPECT_EQ(field->text(), "");
+  EXPECT_EQ(screen->selectedCountryCode, "");
+  EXPECT_FALSE(screen->chooseButton.lock()->isEnabled());
+  EXPECT_EQ(screen->chooseButton.lock()->backgroundColor(), UIColor::lightGray());
+  const auto all = screen->countries.size();
+  QTest::keyClicks(QApplication::focusWidget(), "GER");
+  settle();
+  ASSERT_EQ(screen->searchCountries.size(), 1U);
+  EXPECT_EQ(screen->tableViewNumberOfRowsInSection(*table, 0), 1U);
+  QTest::keyClicks(QApplication::focusWidget(), "xx");
+  settle();
+  EXPECT_EQ(screen->tableViewNumberOfRowsInSection(*table, 0), all);
+  for (int step = 0; step < 5; ++step) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
+  }
+  settle();
+  EXPECT_EQ(screen->searchCountries.size(), all);
+
+  // A tap elsewhere closes both and keeps what was chosen: nothing.
+  click(*screen->view(), {20, 640 - 120});
+  EXPECT_FALSE(field->isEditing());
+  EXPECT_EQ(dropdown(*screen), 60);
+  // Escape first closes the list, then the flow.
+  screen->tapOnArrow(nullptr);
+  QWidget* const window = screen->view()->window()->widget();
+  QTest::keyClick(window, Qt::Key_Escape);
+  EXPECT_EQ(dropdown(*screen), 60);
+  ASSERT_TRUE(wrapper->presentedViewController());
+  QTest::keyClick(window, Qt::Key_Escape);
+  finishMotion();
+  EXPECT_FALSE(wrapper->presentedViewController());
+}
+
+TEST_F(Flow, AsksForANationality) {
+  start();
+  const auto screen = top<ChooseCitizenViewController>();
+  screen->startButton(nullptr);
+  finishMotion();
+  const auto alert =
+      std::dynamic_pointer_cast<UIAlertController>(screen->presentedViewController());
+  ASSERT_TRUE(alert);
+  EXPECT_EQ(alert->title(), "Error");
+  EXPECT_EQ(alert->message(), "Please select your nationality");
+  ASSERT_EQ(alert->actions().size(), 1U);
+  EXPECT_EQ(alert->actions().front()->title(), "OK");
+  EXPECT_TRUE(hasLine("Nothing is selected"));
+  EXPECT_EQ(server->requests().size(), 1U);
+}
+
+TEST_F(Flow, OpensThePagesOfTheLinksButNotAtTheirFirstCharacter) {
+  start();
+  const auto screen = top<ChooseCitizenViewController>();
+  const auto label = screen->disclaimerLabel.lock();
+  std::vector<std::string> pages;
+  UIApplication::shared()->openPage = [&](std::string_view url) {
+    pages.emplace_back(url);
+    return true;
+  };
+  // A point in the middle of the first place of a character.
+  const auto tapCharacter = [&](std::size_t index) {
+    const CGSize size = label->bounds().size;
+    for (double y = 2; y < size.height; y += 4) {
+      for (double x = 1; x < size.width; x += 1) {
+        if (indexOfAttributedTextCharacterAtPoint(*label, {x, y}) != index) continue;
+        click(*label, {x + 1, y + 3});
+        return;
+      }
+    }
+    ADD_FAILURE() << "the character " << index << " is nowhere";
+  };
+  const auto terms = rangeOf(screen->termText, screen->term).location;
+  const auto policy = rangeOf(screen->termText, screen->policy).location;
+  tapCharacter(terms);
+  tapCharacter(policy);
+  EXPECT_TRUE(pages.empty());
+  tapCharacter(terms + 1);
+  tapCharacter(policy + 1);
+  EXPECT_EQ(pages, (std::vector<std::string>{"https://" KESTROVA_BACKEND_HOST "/terms/",
+                                             "https://" KESTROVA_BACKEND_HOST "/privacy/"}));
+}
+
+TEST_F(Flow, ChecksTheAddressBeforeItIsSent) {
+  start();
+  const auto screen = push<CheckEmailViewController>("CheckEmail");
+  const auto field = screen->emailTextfield.lock();
+  const auto button = screen->startButton.lock();
+  EXPECT_FALSE(button->isEnabled());
+  click(*field);
+  EXPECT_TRUE(button->isEnabled());
+  EXPECT_EQ(button->backgroundColor(), UIColorExtensions::kestrovaBlue());
+  click(*button);
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  for (const auto* text : {"   ", "a@b", "Ada"}) {
+    field->setText("");
+    typeInto(*field, text);
+    click(*button);
+    finishMotion();
+    const auto alert =
+        std::dynamic_pointer_cast<UIAlertController>(screen->presentedViewController());
+    ASSERT_TRUE(alert) << text;
+    EXPECT_EQ(alert->message(), "Please enter a valid email address.");
+    screen->dismiss(false);
+  }
+  // A tap beside the field ends the editing; the button stays.
+  click(*screen->view(), {20, 400});
+  EXPECT_FALSE(field->isEditing());
+  EXPECT_TRUE(screen->emailTextfield.expired());
+  EXPECT_TRUE(button->isEnabled());
+  EXPECT_EQ(server->requests().size(), 1U);
+}
+
+TEST_F(Flow, KeepsTheFieldClearOfAnOnScreenKeyboardUntilTheScreenIsLeft) {
+  start();
+  const auto screen = push<CheckEmailViewController>("CheckEmail");
+  const auto scroll = screen->scrollView.lock();
+  typeInto(*screen->emailTextfield.lock(), "a");
+  auto& keyboard = UIKeyboard::shared();
+  keyboard.inputMethodChanged(true, {{0, 120}, {375, 547}});
+  finishMotion();
+  EXPECT_TRUE(scroll->isScrollEnabled());
+  EXPECT_EQ(scroll->contentInset().bottom, 547);
+  EXPECT_GT(scroll->contentOffset().y, 0);
+  keyboard.inputMethodChanged(false, {});
+  EXPECT_EQ(scroll->contentInset().bottom, -547);
+  EXPECT_FALSE(scroll->isScrollEnabled());
+  EXPECT_TRUE(screen->emailTextfield.expired());
+  NotificationCenter::defaultCenter().post({std::string(UIKeyboardWillShowNotification), {}, {}});
+  EXPECT_EQ(scroll->contentInset().bottom, -547);
+
+  push<MoveHeadViewController>("MoveHead");
+  navigation()->popViewController(false);
+  keyboard.inputMethodChanged(true, {{0, 300}, {375, 100}});
+  EXPECT_EQ(scroll->contentInset().bottom, -547);
+  keyboard.inputMethodChanged(false, {});
+}
+
+TEST_F(Flow, HidesTheDecorationOnSmallPhones) {
+  start();
+  for (const auto& [machine, hidden] :
+       {std::pair{"iPhone5,3", true}, {"iPhone6,1", true}, {"iPhone7,2", false}}) {
+    UIDeviceExtensions::setMachineIdentifier(machine);
+    const auto screen = push<CheckEmailViewController>("CheckEmail");
+    EXPECT_EQ(screen->bottomRightImg.lock()->isHidden(), hidden) << machine;
+    navigation()->popViewController(false);
+  }
+  UIDeviceExtensions::setMachineIdentifier(std::nullopt);
+}
+
+TEST_F(Flow, HandsTheChosenDocumentOnWithoutWaiting) {
+  start();
+  const auto screen = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
+  EXPECT_FALSE(screen->nextButton.lock()->isEnabled());
+  ASSERT_EQ(screen->children().size(), 1U);
+  const auto list =
+      std::dynamic_pointer_cast<DocumentTableViewController>(screen->children().front());
+  ASSERT_TRUE(list);
+  const auto table = std::dynamic_pointer_cast<UITableView>(list->view());
+  const auto card = [&](std::size_t row) {
+    return std::dynamic_pointer_cast<DocumentTableViewCell>(table->cellForRow({row, 0}));
+  };
+  tapRow(*table, 0);
+  EXPECT_EQ(screen->selectedDocumentType, "PASSPORT");
+  EXPECT_FALSE(card(0)->selectionCheckmark.lock()->isHidden());
+  EXPECT_EQ(card(0)->cardView.lock()->layer().borderWidth(), 3);
+  tapRow(*table, 1);
+  EXPECT_EQ(screen->selectedDocumentType, "DRIVERS_LICENSE");
+  EXPECT_EQ(card(1)->documentName.lock()->text(), "Driving License");
+  EXPECT_TRUE(card(0)->selectionCheckmark.lock()->isHidden());
+  EXPECT_EQ(card(0)->cardView.lock()->layer().borderWidth(), 1.5);
+  EXPECT_EQ(card(1)->cardView.lock()->layer().borderColor(), UIColorExtensions::kestrovaBlue());
+
+  play("stall:once");
+  click(*screen->nextButton.lock());
+  const auto front = top<ScanIDInstructionsViewController>();
+  ASSERT_TRUE(front);
+  EXPECT_EQ(front->selectedDocumentType, "DRIVERS_LICENSE");
+}
+
+TEST_F(Flow, StoresTheNextStepOfAChosenDocumentAlsoWhenTheFlowIsGone) {
+  start();
+  const auto screen = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
+  screen->didClickOnCell("PASSPORT");
+  Kestrova::next_step.reset();
+  click(*screen->nextButton.lock());
+  wrapper->dismiss(false);
+  ASSERT_TRUE(waitFor([] { return Kestrova::next_step.has_value(); }));
+  EXPECT_EQ(linesThatBegin("chooseAuthenticationDocument response: [").size(), 1U);
+}
+
+TEST_F(Flow, EndsWithABadgeAndTheSuccessStep) {
+  start();
+  const auto screen = push<CongratsViewController>("Congrats");
+  const auto badge = screen->verifiedBadgeContainer.lock();
+  ASSERT_EQ(badge->subviews().size(), 1U);
+  EXPECT_EQ(badge->subviews().front()->center(), (CGPoint{80, 80}));
+  ASSERT_TRUE(waitFor([&] {
+    return linesThatBegin("checkAuthenticationDocumentSuccess response: [").size() == 1;
+  }));
+  push<MoveHeadViewController>("MoveHead");
+  EXPECT_TRUE(badge->subviews().empty());
+  navigation()->popViewController(false);
+  EXPECT_EQ(badge->subviews().size(), 1U);
+  EXPECT_FALSE(navigation()->goBack());
+  screen->finishTapped(nullptr);
+  finishMotion();
+  EXPECT_FALSE(wrapper->presentedViewController());
+
+  const auto alone = std::make_shared<CongratsViewController>();
+  alone->finishTapped(nullptr);
+}
+
+TEST_F(Flow, CanBeLeftFromEveryScreenWhileARequestIsUnderWay) {
+  for (const auto* scene : {"ChooseCitizen", "CheckEmail", "MoveHead", "ChooseDocumentType",
+                            "ScanIDInstructions", "ScanBackside", "Congrats", "Warning"}) {
+    start();
+    play("stall:once");
+    const auto nationality = top<ChooseCitizenViewController>();
+    nationality->selectedCountryCode = "de";
+    nationality->startButton(nullptr);
+    if (scene != std::string_view("ChooseCitizen")) push<UIViewController>(scene);
+    const std::weak_ptr<UIViewController> flow = wrapper->presentedViewController();
+    const auto window = nationality->view()->window();
+    // The close control lies on top of every screen.
+    click(*window, {345, 28});
+    finishMotion();
+    EXPECT_FALSE(wrapper->presentedViewController()) << scene;
+  }
+}
+
+TEST_F(Flow, IsPresentedWhateverTheBackendDoesAndRunsTwice) {
+  play("stall:once");
+  start(false);
+  ASSERT_TRUE(top<ChooseCitizenViewController>());
+  const auto steps =
+      std::dynamic_pointer_cast<VerificationStart>(wrapper->presentedViewController())
+          ->progressSteps.lock();
+  push<CheckEmailViewController>("CheckEmail");
+  EXPECT_EQ(steps->currentStep(), 1U);
+  wrapper->dismiss(true);
+  finishMotion();
+  start();
+  const auto nationality = top<ChooseCitizenViewController>();
+  chooseFirst(*nationality);
+  click(*nationality->chooseButton.lock());
+  ASSERT_TRUE(waitForTop<CheckEmailViewController>());
+  // A host that goes takes the flow with it.
+  destroyHost();
+  EXPECT_FALSE(wrapper->presentedViewController());
+}
+
+}  // namespace
+}  // namespace kestrova
