@@ -7,10 +7,10 @@
 #include <cstring>
 #include <memory>
 
-#include "sdk/media/GIFHelper.h"
+#include "platform/graphics/CGImageSource.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace kestrova;
+  using namespace kestrova::platform;
   Data file(size);
   if (size > 0) std::memcpy(file.bytes(), data, size);
   auto source = CGImageSource::make(std::make_shared<const Data>(std::move(file)));
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   auto& images = source.value();
   for (std::size_t i = 0; i < images.count(); ++i) {
     const auto image = images.imageAtIndex(i);
-    if (UIImageExtensions::delayForImageAtIndex(i, images) < 0.1) std::abort();
+    if (images.propertiesAtIndex(i).empty()) std::abort();
     if (i % 8 != 0) continue;
     const auto again = images.imageAtIndex(i);
     if (static_cast<bool>(image) != static_cast<bool>(again)) std::abort();
@@ -26,6 +26,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       std::abort();
     }
   }
-  (void)UIImageExtensions::animatedImageWithSource(images);
   return 0;
 }

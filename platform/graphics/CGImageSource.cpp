@@ -47,7 +47,8 @@ struct CGImageSource::State {
 
   Result<Image> decodeNext();
   Result<Image> compose(const GIFReader::Frame& frame);
-  bool drawRows(const GIFReader::Frame& frame, const CGImage& under, CGImage& canvas);
+  void drawRows(const GIFReader::Frame& frame, const GIFReader::Palette& palette,
+                const CGImage& under, CGImage& canvas) const;
 
   std::shared_ptr<const Data> data;
   std::vector<GIFReader::Frame> frames;
@@ -58,6 +59,7 @@ struct CGImageSource::State {
   Image base;
   // Of the base, to be cleared first: the frame that is disposed of.
   std::optional<GIFReader::Frame> cleared;
+  // Of the current frame's colours.
   std::vector<std::uint8_t> indices;
 };
 
@@ -93,32 +95,33 @@ void copyAround(const GIFReader::Frame& frame, const CGImage& from, CGImage& to)
 
 }  // namespace
 
-bool CGImageSource::State::drawRows(const GIFReader::Frame& frame, const CGImage& under,
-                                    CGImage& canvas) {
-  GIFReader::Palette palette{};
-  if (!reader->palette(palette)) return false;
+void CGImageSource::State::drawRows(const GIFReader::Frame& frame,
+                                    const GIFReader::Palette& palette, const CGImage& under,
+                                    CGImage& canvas) const {
   const auto width = visible(frame.left, frame.width, canvas.width());
   const auto height = visible(frame.top, frame.height, canvas.height());
-  if (frame.transparentColor) palette.at(*frame.transparentColor) = 0;
-  if (frame.width == 0) return reader->skipRows();
-  indices.resize(frame.width);
   RowOrder order(frame.height, frame.isInterlaced);
   for (std::size_t i = 0; i < frame.height; ++i) {
-    if (!reader->readRow(indices)) return false;
     const auto y = order.next();
     if (y >= height || width == 0) continue;
+    const auto* const colors = &indices[i * frame.width];
     const auto* const below = under.row(frame.top + y).data() + frame.left;
     auto* const row = canvas.row(frame.top + y).data() + frame.left;
     for (std::size_t x = 0; x < width; ++x) {
-      const auto color = palette[indices[x]];
+      const auto color = palette[colors[x]];
       // Without a branch, which nothing could predict: what lies below where there is no alpha.
       row[x] = color | (below[x] & ((color >> 31U) - 1));
     }
   }
-  return true;
 }
 
 Result<CGImageSource::State::Image> CGImageSource::State::compose(const GIFReader::Frame& frame) {
+  indices.resize(frame.width * frame.height);
+  GIFReader::Palette palette{};
+  if (!reader->readColors(indices) || !reader->palette(palette)) {
+    return damaged("a damaged image in a GIF file");
+  }
+  if (frame.transparentColor) palette.at(*frame.transparentColor) = 0;
   auto canvas = CGImage::make(reader->screenWidth(), reader->screenHeight());
   if (!canvas) return damaged("a GIF file without a screen");
   const auto* under = canvas.get();
@@ -132,10 +135,7 @@ Result<CGImageSource::State::Image> CGImageSource::State::compose(const GIFReade
     copyAround(frame, *base, *canvas);
     under = base.get();
   }
-  if (!drawRows(frame, *under, *canvas)) {
-    reader->skipRows();
-    return damaged("a damaged image in a GIF file");
-  }
+  drawRows(frame, palette, *under, *canvas);
   Image image = std::move(canvas);
   if (frame.disposal != GIFReader::Disposal::previous) {
     base = image;
@@ -168,7 +168,7 @@ Result<CGImageSource> CGImageSource::make(std::shared_ptr<const Data> data) {
     if (pixels > CGImage::kMaximumPixels) {
       return graphicsError(GraphicsErrorCode::tooLarge, "a GIF file of too many pixels");
     }
-    if (!reader.value().skipRows()) break;
+    if (!reader.value().skipColors()) break;
     state->frames.push_back(*frame);
   }
   state->data = std::move(data);

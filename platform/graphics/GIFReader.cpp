@@ -6,6 +6,7 @@
 #include <gif_lib.h>
 
 #include "platform/graphics/GraphicsError.h"
+#include "platform/graphics/LZWDecoder.h"
 
 namespace kestrova::platform {
 
@@ -118,12 +119,21 @@ bool GIFReader::palette(Palette& palette) const {
   return true;
 }
 
-bool GIFReader::readRow(std::span<std::uint8_t> indices) {
-  return DGifGetLine(state_->file.get(), indices.data(), static_cast<int>(indices.size())) ==
-         GIF_OK;
+bool GIFReader::readColors(std::span<std::uint8_t> indices) {
+  int depth = 0;
+  GifByteType* block = nullptr;
+  if (DGifGetCode(state_->file.get(), &depth, &block) != GIF_OK) return false;
+  LZWDecoder decoder(static_cast<unsigned>(depth), indices);
+  bool isRight = true;
+  while (block) {
+    // The first byte is the count of the others.
+    if (isRight && !decoder.isFull()) isRight = decoder.decode({block + 1, block[0]});
+    if (DGifGetCodeNext(state_->file.get(), &block) != GIF_OK) return false;
+  }
+  return isRight && decoder.isFull();
 }
 
-bool GIFReader::skipRows() {
+bool GIFReader::skipColors() {
   GifByteType* block = nullptr;
   do {
     if (DGifGetCodeNext(state_->file.get(), &block) != GIF_OK) return false;

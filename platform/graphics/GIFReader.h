@@ -48,10 +48,11 @@ class GIFReader {
   std::optional<Frame> nextFrame();
   // The colours of the current frame; false where it has none.
   bool palette(Palette& palette) const;
-  // Decodes the next row, as stored, of the current frame; false where it is damaged.
-  bool readRow(std::span<std::uint8_t> indices);
-  // Passes over what is left of the current frame's rows; false where the file breaks off.
-  bool skipRows();
+  // Decodes the colours of the current frame, row after row as they are stored, width times height
+  // of them; false where they are damaged. Goes on behind the frame either way.
+  bool readColors(std::span<std::uint8_t> indices);
+  // Goes on behind the frame; false where the file breaks off.
+  bool skipColors();
 
  private:
   struct State;

@@ -16,8 +16,8 @@ class ImageContents {
  public:
   // A PNG or JPEG file, kept as it is until pixels are needed. Errors are those of the file's head.
   static Result<std::shared_ptr<const ImageContents>> encoded(Data file);
-  // A drawing in SVG. An error without a QGuiApplication, for files that are none, and for such
-  // without a size.
+  // A drawing in SVG. An error without a QGuiApplication, for files that are none, for such without
+  // a size, and for such that refer to other files or draw an element again.
   static Result<std::shared_ptr<const ImageContents>> vector(Data file);
   static std::shared_ptr<const ImageContents> bitmap(std::shared_ptr<const CGImage> image);
 

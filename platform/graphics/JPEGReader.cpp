@@ -23,7 +23,8 @@ namespace {
 static_assert(std::endian::native == std::endian::little, "JCS_EXT_BGRA is taken for 0xAARRGGBB");
 
 // A progressive file may repeat scans at will, each of them costing time for the whole picture.
-constexpr int kMaximumScans = 200;
+// Encoders make about ten.
+constexpr int kMaximumScans = 50;
 // For the coefficients of a progressive picture of the maximum size, and the rest.
 constexpr long kMaximumMemory = 320L << 20;
 

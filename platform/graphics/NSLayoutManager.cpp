@@ -139,7 +139,8 @@ void NSLayoutManager::Layout::truncate() {
     auto candidate = make(string.left(cut) + QChar(0x2026));
     if (candidate->lineCount() <= lineCount) {
       fits = cut;
-      tail = std::move(candidate);
+      // A word that is cut short may fit the line before: better the whole of it and no ellipsis.
+      if (candidate->lineCount() == lineCount) tail = std::move(candidate);
     } else {
       tooLong = cut;
     }

@@ -14,9 +14,6 @@ namespace kestrova::platform {
 
 namespace {
 
-// For a compressed text or profile of the file, which nobody reads.
-constexpr png_alloc_size_t kMaximumChunk = 1U << 20U;
-constexpr int kMaximumChunks = 1000;
 // Deflate expands a byte to at most 1032.
 constexpr std::size_t kMaximumExpansion = 1032;
 
@@ -57,8 +54,8 @@ struct Decoder {
     return run([this] {
       png_set_read_fn(png, this, read);
       png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-      png_set_chunk_malloc_max(png, kMaximumChunk);
-      png_set_chunk_cache_max(png, kMaximumChunks);
+      // Texts, profiles and the like: nobody reads them, and they may be large when unpacked.
+      png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
       png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_DISCARD);
       png_read_info(png, info);
     });

@@ -1,12 +1,11 @@
 #include "platform/graphics/PNGWriter.h"
 
 #include <algorithm>
-#include <csetjmp>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include <png.h>
 #include <zlib.h>
 
 #include "platform/graphics/GraphicsError.h"
@@ -16,42 +15,90 @@ namespace kestrova::platform {
 
 namespace {
 
-struct Encoder {
-  Encoder() {
-    png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr,
-                                  [](png_structp, png_const_charp) {});
-    if (png) info = png_create_info_struct(png);
-  }
-  Encoder(const Encoder&) = delete;
-  Encoder& operator=(const Encoder&) = delete;
-  ~Encoder() { png_destroy_write_struct(&png, &info); }
+using namespace std::string_view_literals;
+using Bytes = std::vector<std::uint8_t>;
 
-  static void append(png_structp png, png_bytep bytes, std::size_t size) {
-    auto& self = *static_cast<Encoder*>(png_get_io_ptr(png));
-    // No exception may pass through the library.
-    try {
-      self.file.insert(self.file.end(), bytes, bytes + size);
-    } catch (const std::bad_alloc&) {
-      self.isFull = true;
-    }
-    if (self.isFull) png_error(png, "no memory for the file");
-  }
-
-  png_structp png = nullptr;
-  png_infop info = nullptr;
-  std::vector<std::uint8_t> file;
-  bool isFull = false;
-};
-
-std::uint8_t channel(std::uint32_t pixel, unsigned shift) {
-  return static_cast<std::uint8_t>(pixel >> shift);
+std::uint8_t part(std::uint32_t number, unsigned shift) {
+  return static_cast<std::uint8_t>(number >> shift);
 }
+
+// Big-endian, as all numbers of the format.
+std::string number(std::size_t value) {
+  std::string bytes;
+  for (unsigned shift = 32; shift > 0;) bytes += static_cast<char>(value >> (shift -= 8));
+  return bytes;
+}
+
+const Bytef* bytes(const char* text) {
+  return reinterpret_cast<const Bytef*>(text);
+}
+
+// Begins a chunk and returns where it does; the length and the checksum come at its end.
+std::size_t beginChunk(std::string& file, std::string_view type) {
+  const auto begin = file.size();
+  file += number(0);
+  file += type;
+  return begin;
+}
+
+void endChunk(std::string& file, std::size_t begin) {
+  constexpr std::size_t kNumber = 4;
+  const auto size = file.size() - begin - kNumber;
+  file.replace(begin, kNumber, number(size - kNumber));
+  file += number(::crc32_z(0, bytes(&file[begin + kNumber]), size));
+}
+
+// Appends what it is given to a file, compressed. Runs are the only matches that it looks for.
+class Deflater {
+ public:
+  explicit Deflater(std::string& file) : file_(file), room_(1U << 16U) {
+    constexpr int kWindowBits = 15;
+    constexpr int kMemoryLevel = 8;
+    isReady_ = ::deflateInit2(&stream_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWindowBits,
+                              kMemoryLevel, Z_RLE) == Z_OK;
+    empty();
+  }
+  Deflater(const Deflater&) = delete;
+  Deflater& operator=(const Deflater&) = delete;
+  ~Deflater() { ::deflateEnd(&stream_); }
+
+  bool isReady() const { return isReady_; }
+
+  void add(Bytes& bytes) {
+    stream_.next_in = bytes.data();
+    stream_.avail_in = static_cast<uInt>(bytes.size());
+    run(Z_NO_FLUSH);
+  }
+  void finish() {
+    run(Z_FINISH);
+    write();
+  }
+
+ private:
+  // While there is room left, the library takes everything.
+  void run(int flush) {
+    while (::deflate(&stream_, flush) == Z_OK && stream_.avail_out == 0) write();
+  }
+  void write() {
+    file_.append(room_.begin(), room_.end() - stream_.avail_out);
+    empty();
+  }
+  void empty() {
+    stream_.next_out = room_.data();
+    stream_.avail_out = static_cast<uInt>(room_.size());
+  }
+
+  std::string& file_;
+  Bytes room_;
+  z_stream stream_{};
+  bool isReady_;
+};
 
 void writeRGB(std::span<const std::uint32_t> pixels, std::uint8_t* to) {
   for (const auto pixel : pixels) {
-    to[0] = channel(pixel, 16);
-    to[1] = channel(pixel, 8);
-    to[2] = channel(pixel, 0);
+    to[0] = part(pixel, 16);
+    to[1] = part(pixel, 8);
+    to[2] = part(pixel, 0);
     to += 3;
   }
 }
@@ -60,9 +107,9 @@ void writeRGBA(std::span<const std::uint32_t> pixels, std::uint8_t* to) {
   for (const auto pixel : pixels) {
     const auto alpha = pixel >> 24U;
     const auto whole = [&](unsigned shift) {
-      const auto part = pixel >> shift & 0xffU;
+      const auto premultiplied = pixel >> shift & 0xffU;
       return static_cast<std::uint8_t>(
-          alpha == 0 ? 0 : std::min((part * 255 + alpha / 2) / alpha, 255U));
+          alpha == 0 ? 0 : std::min((premultiplied * 255 + alpha / 2) / alpha, 255U));
     };
     to[0] = whole(16);
     to[1] = whole(8);
@@ -72,70 +119,47 @@ void writeRGBA(std::span<const std::uint32_t> pixels, std::uint8_t* to) {
   }
 }
 
-// Two rows of bytes, each behind as many zeros as a pixel has bytes.
-class Lines {
- public:
-  Lines(std::size_t width, std::size_t pixelSize)
-      : pixelSize_(pixelSize),
-        size_(width * pixelSize),
-        current_(pixelSize + size_),
-        above_(pixelSize + size_) {}
-
-  std::uint8_t* next() {
-    current_.swap(above_);
-    return &current_[pixelSize_];
-  }
-  // The filter for the row that next() gave.
-  int filter() const {
-    return 8 << static_cast<int>(
-               bestFilter(&current_[pixelSize_], &above_[pixelSize_], size_, pixelSize_));
-  }
-
- private:
-  std::size_t pixelSize_;
-  std::size_t size_;
-  std::vector<std::uint8_t> current_;
-  std::vector<std::uint8_t> above_;
-};
-static_assert(PNG_FILTER_NONE == 8 << static_cast<int>(RowFilter::none) &&
-              PNG_FILTER_PAETH == 8 << static_cast<int>(RowFilter::paeth));
-
-// Holds nothing that needs its destructor: the library leaves by a jump.
-bool writeFile(Encoder& encoder, const CGImage& image, bool isOpaque, Lines& lines) {
-  auto* const png = encoder.png;
-  // The library offers no other way out of its errors.
-  if (!encoder.info || setjmp(png_jmpbuf(png)) != 0) return false;
-  png_set_write_fn(png, &encoder, Encoder::append, nullptr);
-  png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-  png_set_IHDR(png, encoder.info, static_cast<png_uint_32>(image.width()),
-               static_cast<png_uint_32>(image.height()), 8,
-               isOpaque ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
-               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-  // With all of them at the first row the library keeps the row above; then it is told which.
-  png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
-  png_set_compression_strategy(png, Z_RLE);
-  png_write_info(png, encoder.info);
+// The rows in turn, each with the filter that suits it.
+void writeRows(const CGImage& image, bool isOpaque, Deflater& deflater) {
+  const std::size_t pixelSize = isOpaque ? 3 : 4;
+  const auto size = image.width() * pixelSize;
+  // Behind as many zeros as a pixel has bytes, as the filters have it.
+  Bytes current(pixelSize + size);
+  Bytes above(pixelSize + size);
+  // Behind the number of its filter.
+  Bytes filtered(1 + size);
   for (std::size_t y = 0; y < image.height(); ++y) {
-    auto* const line = lines.next();
-    (isOpaque ? writeRGB : writeRGBA)(image.row(y), line);
-    if (y > 0) png_set_filter(png, PNG_FILTER_TYPE_BASE, lines.filter());
-    png_write_row(png, line);
+    current.swap(above);
+    auto* const row = &current[pixelSize];
+    (isOpaque ? writeRGB : writeRGBA)(image.row(y), row);
+    const auto filter = bestFilter(row, &above[pixelSize], size, pixelSize);
+    filtered[0] = static_cast<std::uint8_t>(filter);
+    applyFilter(filter, row, &above[pixelSize], size, pixelSize, &filtered[1]);
+    deflater.add(filtered);
   }
-  png_write_end(png, encoder.info);
-  return true;
+  deflater.finish();
 }
 
 }  // namespace
 
 Result<Data> encodePNG(const CGImage& image) {
-  Encoder encoder;
   const bool isOpaque = image.isOpaque();
-  Lines lines(image.width(), isOpaque ? 3 : 4);
-  if (!writeFile(encoder, image, isOpaque, lines)) {
+  std::string file("\x89PNG\r\n\x1a\n");
+  const auto head = beginChunk(file, "IHDR");
+  file += number(image.width()) + number(image.height());
+  // Depth, kind of colour, deflate, adaptive filters, not interlaced.
+  file += isOpaque ? "\x8\x2\0\0\0"sv : "\x8\x6\0\0\0"sv;
+  endChunk(file, head);
+  const auto rows = beginChunk(file, "IDAT");
+  Deflater deflater(file);
+  if (!deflater.isReady()) {
     return graphicsError(GraphicsErrorCode::unavailable, "no memory for a PNG file");
   }
-  Data data(encoder.file.size());
-  std::memcpy(data.bytes(), encoder.file.data(), data.size());
+  writeRows(image, isOpaque, deflater);
+  endChunk(file, rows);
+  endChunk(file, beginChunk(file, "IEND"));
+  Data data(file.size());
+  std::memcpy(data.bytes(), file.data(), data.size());
   return data;
 }
 

@@ -125,10 +125,9 @@ void QtBridge::paint(const UIImage& image, QPainter& painter, const CGRect& rect
   auto picture = asQImage(*pixels.value());
   painter.save();
   if (transform.type() <= QTransform::TxScale) {
-    const double ratio = painter.device()->devicePixelRatio();
-    picture.setDevicePixelRatio(ratio);
-    painter.resetTransform();
-    painter.drawImage(QPointF(left / ratio, top / ratio), picture);
+    // In the device's pixels: besides its own transform a painter may have that of a widget.
+    painter.setTransform(transform.inverted() * painter.transform());
+    painter.drawImage(QPointF(left, top), picture);
   } else {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(place, picture);

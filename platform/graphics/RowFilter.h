@@ -14,4 +14,8 @@ enum class RowFilter : std::uint8_t { none, sub, up, average, paeth };
 RowFilter bestFilter(const std::uint8_t* row, const std::uint8_t* above, std::size_t size,
                      std::size_t pixelSize);
 
+// Writes the row to `to` as the filter leaves it.
+void applyFilter(RowFilter filter, const std::uint8_t* row, const std::uint8_t* above,
+                 std::size_t size, std::size_t pixelSize, std::uint8_t* to);
+
 }  // namespace kestrova::platform

@@ -37,6 +37,8 @@ CGSize uprightSize(const ImageContents& contents, double scale, UIImageOrientati
 
 Result<Done> drawContents(const ImageContents& contents, UIImageOrientation orientation,
                           const CGRect& rect, CGImage& canvas) {
+  // Written so that what is not a number is no place either.
+  if (!(rect.size.width > 0 && rect.size.height > 0)) return Done{};
   const auto size = swapsSides(orientation) ? CGSize{rect.size.height, rect.size.width} : rect.size;
   const auto rows = contents.rows(size);
   if (!rows) return rows.error();

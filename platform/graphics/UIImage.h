@@ -29,7 +29,7 @@ class UIImage {
   static Result<UIImage> make(Data data);
   // The resource `name` of type png, jpg, jpeg or svg, in this order; a drawing in SVG stays sharp
   // at any size. None where the bundle has none, the file does not decode, or it is an SVG file in
-  // a process without a QGuiApplication.
+  // a process without a QGuiApplication, or with an image, use or xml-stylesheet.
   static std::optional<UIImage> named(std::string_view name, const Bundle& bundle);
   // Pictures that are shown one after the other for the same time each, in `duration` seconds all
   // of them; size and pixels are those of the first. None for an empty list.

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <utility>
 
+#include <QtCore/QXmlStreamReader>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
@@ -13,6 +14,26 @@
 namespace kestrova::platform {
 
 namespace {
+
+QByteArray bytes(const Data& file) {
+  return QByteArray::fromRawData(file.view().data(), static_cast<qsizetype>(file.size()));
+}
+
+// Whether nothing but the file is read for the drawing, and each of its elements is drawn once. The
+// library opens whatever path a picture or a style sheet names; copies of copies have no bounds.
+bool standsAlone(const Data& file) {
+  QXmlStreamReader reader(bytes(file));
+  while (!reader.atEnd()) {
+    const auto token = reader.readNext();
+    const bool isElement = token == QXmlStreamReader::StartElement;
+    if (isElement && (reader.name() == u"image" || reader.name() == u"use")) return false;
+    if (token == QXmlStreamReader::ProcessingInstruction &&
+        reader.processingInstructionTarget() == u"xml-stylesheet") {
+      return false;
+    }
+  }
+  return !reader.hasError();
+}
 
 // Parses anew for each size: such files are small, and a picture then outlives the application.
 class VectorContents : public ImageContents {
@@ -44,8 +65,7 @@ class VectorContents : public ImageContents {
     QImage canvas(reinterpret_cast<uchar*>(image->pixels().data()),
                   static_cast<int>(image->width()), static_cast<int>(image->height()),
                   QImage::Format_ARGB32_Premultiplied);
-    QSvgRenderer renderer(
-        QByteArray::fromRawData(file_.view().data(), static_cast<qsizetype>(file_.size())));
+    QSvgRenderer renderer(bytes(file_));
     QPainter painter(&canvas);
     renderer.render(&painter);
     return std::shared_ptr<const CGImage>(image);
@@ -61,8 +81,11 @@ Result<std::shared_ptr<const ImageContents>> ImageContents::vector(Data file) {
   if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
     return graphicsError(GraphicsErrorCode::unavailable, "an SVG drawing needs an application");
   }
-  const QSvgRenderer renderer(
-      QByteArray::fromRawData(file.view().data(), static_cast<qsizetype>(file.size())));
+  if (!standsAlone(file)) {
+    return graphicsError(GraphicsErrorCode::unknownFormat,
+                         "not an SVG drawing, or one with pictures, copies or style sheets");
+  }
+  const QSvgRenderer renderer(bytes(file));
   const auto size = renderer.defaultSize();
   if (!renderer.isValid() || size.isEmpty()) {
     return graphicsError(GraphicsErrorCode::unknownFormat, "not an SVG drawing");

@@ -287,7 +287,7 @@ void AccessibleView::registerEditor(QWidget& lineEdit) {
   }
   // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
   QAccessible::registerAccessibleInterface(new FieldObject(static_cast<QLineEdit&>(lineEdit)));
-}
+}  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
 
 void AccessibleView::nameChanged(const UIView& view) {
   tell(view, QAccessible::NameChanged);

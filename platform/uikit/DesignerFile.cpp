@@ -77,7 +77,7 @@ class DesignerFile::Parser {
     out_.writeEndElement();
     while (!in_.atEnd()) in_.readNext();
     if (in_.hasError()) {
-      fault("line " + std::to_string(in_.lineNumber()) + ": " + utf8(in_.errorString()));
+      fault("line ", std::to_string(in_.lineNumber()), ": ", utf8(in_.errorString()));
     } else if (objects_.empty()) {
       fault("it has no widget");
     }
@@ -85,10 +85,14 @@ class DesignerFile::Parser {
   }
 
  private:
-  void fault(const std::string& what) {
+  template <typename... Part>
+  void fault(const Part&... parts) {
     // A file that is no file of Designer would fill the screen.
     constexpr std::size_t kMost = 50;
-    if (faults_.count() < kMost) faults_.add(what);
+    if (faults_.count() >= kMost) return;
+    std::string what;
+    (what.append(parts), ...);
+    faults_.add(std::move(what));
   }
 
   std::string attribute(const char* name) {
@@ -136,13 +140,13 @@ class DesignerFile::Parser {
       return in_.skipCurrentElement();
     }
     const std::string called = "the widget " + platform::quoted(object.name);
-    if (object.name.empty()) fault("a " + object.className + " has no name");
+    if (object.name.empty()) fault("a ", object.className, " has no name");
     if (std::any_of(objects_.begin(), objects_.end(),
                     [&](const auto& each) { return each.name == object.name; })) {
-      fault("two widgets are called " + platform::quoted(object.name));
+      fault("two widgets are called ", platform::quoted(object.name));
     }
     if (!UIClassRegistry::contains(object.className)) {
-      fault(called + " is of the unknown class " + platform::quoted(written));
+      fault(called, " is of the unknown class ", platform::quoted(written));
     }
     out_.writeStartElement("widget");
     out_.writeAttribute("class", QString::fromStdString(object.className));
@@ -162,7 +166,7 @@ class DesignerFile::Parser {
       } else if (tag == u"zorder") {
         out_.writeTextElement("zorder", in_.readElementText());
       } else {
-        if (tag != u"attribute") fault(called + " has a <" + utf8(tag) + "> too many");
+        if (tag != u"attribute") fault(called, " has a <", utf8(tag), "> too many");
         in_.skipCurrentElement();
       }
     }
@@ -186,12 +190,12 @@ class DesignerFile::Parser {
         objects_[index].properties.push_back(
             {name, utf8(in_.readElementText(QXmlStreamReader::IncludeChildElements))});
       } else {
-        fault(called + " has a value of the kind <" + kind + ">, which is not used" +
+        fault(called, " has a value of the kind <", kind, ">, which is not used",
               (kind == "font" ? "; name a \"typeface\"" : ""));
         in_.skipCurrentElement();
       }
     }
-    if (!hasValue) fault(called + " has no value");
+    if (!hasValue) fault(called, " has no value");
   }
 
   // A rectangle, a size or a size policy.
@@ -201,14 +205,14 @@ class DesignerFile::Parser {
     out_.writeStartElement(QString::fromStdString(kind));
     for (const auto* side : {"hsizetype", "vsizetype"}) {
       if (kind != "sizepolicy") break;
-      if (!contains(kPolicies, attribute(side))) fault(called + " is none of the toolkit's");
+      if (!contains(kPolicies, attribute(side))) fault(called, " is none of the toolkit's");
       copyAttribute(side);
     }
     while (in_.readNextStartElement()) {
       const QString part = in_.name().toString();
       const QString text = in_.readElementText(QXmlStreamReader::IncludeChildElements);
       if (!contains(kLengths, utf8(part)) || !isNumber(text, -kNoLimit, kNoLimit)) {
-        fault(called + " has a " + utf8(part) + " that makes no sense");
+        fault(called, " has a ", utf8(part), " that makes no sense");
         continue;
       }
       out_.writeTextElement(part, text.trimmed());
@@ -220,7 +224,7 @@ class DesignerFile::Parser {
   void layout() {
     const std::string kind = attribute("class");
     if (!contains(kLayouts, kind))
-      fault("a layout is of the unknown class " + platform::quoted(kind));
+      fault("a layout is of the unknown class ", platform::quoted(kind));
     out_.writeStartElement("layout");
     copyAttribute("class");
     copyAttribute("name");
@@ -232,7 +236,7 @@ class DesignerFile::Parser {
                               std::all_of(parts.begin(), parts.end(), [](const auto& part) {
                                 return isNumber(part, 0, kNoLimit);
                               });
-      if (!makesSense) fault("a layout has a " + std::string(name) + " that makes no sense");
+      if (!makesSense) fault("a layout has a ", std::string(name), " that makes no sense");
       copyAttribute(name);
     }
     while (in_.readNextStartElement()) {
@@ -241,7 +245,7 @@ class DesignerFile::Parser {
       } else if (in_.name() == u"property") {
         measure(kLayoutProperties, "a layout");
       } else {
-        fault("a layout has a <" + utf8(in_.name()) + ">");
+        fault("a layout has a <", utf8(in_.name()), ">");
         in_.skipCurrentElement();
       }
     }
@@ -253,7 +257,7 @@ class DesignerFile::Parser {
     for (const auto* name : kCells) {
       const std::string cell = attribute(name);
       if (!cell.empty() && !isNumber(QString::fromStdString(cell), 0, kMostCells - 1)) {
-        fault("a layout's item has a " + std::string(name) + " that makes no sense");
+        fault("a layout's item has a ", std::string(name), " that makes no sense");
       }
       copyAttribute(name);
     }
@@ -275,7 +279,7 @@ class DesignerFile::Parser {
           continue;
         }
       }
-      fault("a layout's item has a <" + utf8(tag) + "> too many");
+      fault("a layout's item has a <", utf8(tag), "> too many");
       in_.skipCurrentElement();
     }
     if (!isFull) fault("a layout has an empty item");
@@ -296,7 +300,7 @@ class DesignerFile::Parser {
     const std::string name = attribute("name");
     const bool isKnown = in_.name() == u"property" && contains(known, name);
     if (!isKnown) {
-      fault(whose + " has the unknown property " + platform::quoted(name));
+      fault(whose, " has the unknown property ", platform::quoted(name));
       return in_.skipCurrentElement();
     }
     while (in_.readNextStartElement()) {
@@ -308,7 +312,7 @@ class DesignerFile::Parser {
       const QString text = in_.readElementText(QXmlStreamReader::IncludeChildElements);
       const bool isEnum = kind == "enum" && contains(kSpacerEnums, utf8(text));
       if (!isEnum && (kind != "number" || !isNumber(text, 0, kNoLimit))) {
-        fault(whose + " has a " + name + " that makes no sense");
+        fault(whose, " has a ", name, " that makes no sense");
         continue;
       }
       out_.writeStartElement("property");

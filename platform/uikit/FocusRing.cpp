@@ -39,19 +39,26 @@ class FocusRing::Ring : public QWidget {
   explicit Ring(UIWindow& window) : QWidget(window.widget()), window_(window.widget()) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
+    // Out of the reach of hosts' style sheets.
+    setAttribute(Qt::WA_WindowPropagation);
     setVisible(false);
     qApp->installEventFilter(this);
   }
 
   bool eventFilter(QObject* object, QEvent* event) override {
     switch (event->type()) {
+      case QEvent::KeyPress:
+        isPointerInUse_ = false;
+        break;
       case QEvent::FocusIn:
-        isWanted_ = byKeyboard(static_cast<QFocusEvent*>(event)->reason());
+        isWanted_ = !isPointerInUse_ && byKeyboard(static_cast<QFocusEvent*>(event)->reason());
         [[fallthrough]];
       case QEvent::FocusOut:
         later();
         break;
       case QEvent::MouseButtonPress:
+      case QEvent::TouchBegin:
+        isPointerInUse_ = true;
         isWanted_ = false;
         if (isVisible()) later();
         break;
@@ -69,12 +76,7 @@ class FocusRing::Ring : public QWidget {
  protected:
   bool event(QEvent* event) override {
     if (event->type() == QEvent::User) follow();
-    const bool used = QWidget::event(event);
-    // A host's style sheet paints no ground into it.
-    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
-      setAttribute(Qt::WA_StyledBackground, false);
-    }
-    return used;
+    return QWidget::event(event);
   }
 
   void paintEvent(QPaintEvent*) override {
@@ -111,6 +113,8 @@ class FocusRing::Ring : public QWidget {
   }
 
   QPointer<QWidget> window_;
+  // Whether a finger or the mouse was used last, rather than a key.
+  bool isPointerInUse_ = false;
   bool isWanted_ = false;
   double radius_ = 0;
 };

@@ -60,6 +60,7 @@ void MainLoopPump::Bell::ring() {
   const std::lock_guard lock(mutex);
   if (!receiver || isRung) return;
   isRung = true;
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
   QCoreApplication::postEvent(receiver, new QEvent(QEvent::User));
 }
 

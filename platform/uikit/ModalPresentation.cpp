@@ -65,33 +65,35 @@ class ModalPresentation::Stage : public UIView {
   bool isLowest = false;
   // Whether the screen stands on a ground of its own.
   bool hasGround = true;
+  // Whether the screen takes the whole window where others have a card.
+  bool isWhole = false;
   // How far it has come.
   void setShare(double share) {
     share_ = share;
     setNeedsDisplay();
   }
 
-  CGRect place() const { return placeIn(bounds().size); }
+  bool isCard() const { return !isWhole && isCardIn(bounds().size); }
+  CGRect place() const { return isCard() ? placeIn(bounds().size) : CGRect{{}, bounds().size}; }
 
   void layoutSubviews() override {
     if (const auto screen = screen_.lock()) {
       screen->setFrame(place());
       // A ground of the screen's own has the card's corners.
-      screen->layer().setCornerRadius(isCardIn(bounds().size) ? kCardRadius : 0);
+      screen->layer().setCornerRadius(isCard() ? kCardRadius : 0);
     }
     if (isLowest) UIScreen::main().setBounds(place());
   }
 
  protected:
   void draw(Canvas& canvas) override {
-    const bool isCard = isCardIn(bounds().size);
-    if (isLowest && isCard) canvas.fill({{}, bounds().size}, UIColor::white(0, kDim * share_));
+    if (isLowest && isCard()) canvas.fill({{}, bounds().size}, UIColor::white(0, kDim * share_));
     // While it moves the ground moves with the picture.
     if (share_ < 1 || !hasGround) return;
-    if (isLowest && isCard) {
+    if (isLowest && isCard()) {
       canvas.shadow(place(), kCardRadius, kShadowBlur, UIColor::white(0, 0.12));
     }
-    canvas.fill(place(), UIColor::white(), isCard ? kCardRadius : 0);
+    canvas.fill(place(), UIColor::white(), isCard() ? kCardRadius : 0);
   }
 
  private:
@@ -111,7 +113,7 @@ bool ModalPresentation::coversPresenter() const {
 }
 
 bool ModalPresentation::isCard() const {
-  return isCardIn(window_->bounds().size);
+  return stage_->isCard();
 }
 
 void ModalPresentation::show(bool animated, std::function<void()> completion) {
@@ -124,6 +126,9 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
   const auto below = presenter->presentedBy_.lock();
   stage_->isLowest = !below;
   stage_->hasGround = coversPresenter();
+  // Over the place of the presenter, which fills the window where it is no card itself.
+  stage_->isWhole = stage_->isLowest && presented_->modalPresentationStyle ==
+                                            UIModalPresentationStyle::overCurrentContext;
   stage_->fillSuperview();
   stage_->setFrame({{}, window_->bounds().size});
   if (stage_->isLowest) UIScreen::main().setBounds(stage_->place());
@@ -224,6 +229,7 @@ void ModalPresentation::takeAway() {
   presented_->presentedBy_.reset();
   const auto presenter = presenter_.lock();
   if (presenter && presenter->presentation_.get() == this) presenter->presentation_.reset();
+  if (stage_->isLowest) UIScreen::main().setBounds(std::nullopt);
   if (isOwnWindow_) window_->close();
   if (restoreFocus_) restoreFocus_();
 }

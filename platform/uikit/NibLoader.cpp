@@ -108,7 +108,7 @@ std::shared_ptr<UIView> NibLoader::load(NibFaults& faults) {
     return nullptr;
   }
   if (owner_) owner_->setActions(std::move(ownerBindings_.actions));
-  const auto first = objects_.front().view;
+  auto first = objects_.front().view;
   first->setActions(std::move(objects_.front().bindings.actions));
   // The form has superviews before their subviews.
   for (auto object = objects_.rbegin(); object != objects_.rend(); ++object) {
@@ -258,7 +258,8 @@ const UIResponder::Action* NibLoader::action(std::string_view name) const {
 }
 
 void NibLoader::wire(const DesignerProperty& property, const Object& object) {
-  const auto& [name, text] = property;
+  const std::string& name = property.name;
+  const std::string& text = property.text;
   if (!contains(kWiring, name)) return;
   const std::string called = "the " + name + " of " + object.designed->name;
   // Whether the owner can be what `slot` takes, which it is then.
@@ -279,7 +280,7 @@ void NibLoader::wire(const DesignerProperty& property, const Object& object) {
       return control->addAction(UIControlEvents::touchUpInside, *call);
     }
     return control->addAction(
-        UIControlEvents::touchUpInside, [text = text](const std::shared_ptr<UIControl>& sender) {
+        UIControlEvents::touchUpInside, [text](const std::shared_ptr<UIControl>& sender) {
           if (sender->tryToPerform(text, sender)) return;
           print("Kestrova: nobody performs the action " + platform::quoted(text));
         });

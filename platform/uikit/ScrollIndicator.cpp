@@ -27,11 +27,14 @@ class ScrollIndicator::Bar : public QWidget {
   explicit Bar(QWidget& scrollView) : QWidget(&scrollView) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
+    // Out of the reach of hosts' style sheets.
+    setAttribute(Qt::WA_WindowPropagation);
     hide();
   }
 
-  void appear() {
+  void appear(const QRect& place) {
     opacity_ = 1;
+    setGeometry(place);
     show();
     raise();
     update();
@@ -83,9 +86,7 @@ void ScrollIndicator::show(const CGRect& track, double above, double shown) {
   if (!owned_->bar || shown >= 1 || way < kShortest) return;
   const double length = std::max(kShortest, way * shown);
   const double y = track.minY() + kMargin + (way - length) * std::min(1.0, above / (1 - shown));
-  owned_->bar->setGeometry(
-      QRectF(track.maxX() - kMargin - kThickness, y, kThickness, length).toRect());
-  owned_->bar->appear();
+  owned_->bar->appear(QRectF(track.maxX() - kMargin - kThickness, y, kThickness, length).toRect());
 }
 
 }  // namespace kestrova::platform

@@ -17,6 +17,13 @@ std::shared_ptr<UITableView> tableOf(const QWidget* widget) {
   return std::dynamic_pointer_cast<UITableView>(UIView::of(widget));
 }
 
+// The toolkit takes the object over, which the analysis cannot see.
+template <typename Object>
+QAccessible::Id handOver(std::unique_ptr<Object> object) {
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
+  return QAccessible::registerAccessibleInterface(object.release());
+}
+
 // A row, whether a cell shows it or not.
 class Row final : public QAccessibleInterface, public QAccessibleActionInterface {
  public:
@@ -105,9 +112,7 @@ class Table final : public QAccessibleWidget {
   QAccessibleInterface* child(int index) const override {
     if (index < 0 || index >= childCount()) return nullptr;
     while (rows_.size() <= std::size_t(index)) {
-      // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
-      auto* const row = new Row(*widget(), rows_.size());
-      rows_.push_back(QAccessible::registerAccessibleInterface(row));
+      rows_.push_back(handOver(std::make_unique<Row>(*widget(), rows_.size())));
     }
     return QAccessible::accessibleInterface(rows_[std::size_t(index)]);
   }
@@ -145,8 +150,7 @@ void tell(UITableView& table, QAccessible::Event kind, std::size_t row) {
 }  // namespace
 
 void TableAccessibility::attach(UITableView& table) {
-  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
-  QAccessible::registerAccessibleInterface(new Table(*table.widget()));
+  handOver(std::make_unique<Table>(*table.widget()));
 }
 
 void TableAccessibility::rowsChanged(UITableView& table) {

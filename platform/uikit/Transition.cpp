@@ -65,6 +65,8 @@ class Transition::Cover : public QWidget {
   Cover(QWidget& over, QRect rect, double cornerRadius, Kind kind,
         std::shared_ptr<const Snapshot> from, std::shared_ptr<const Snapshot> to)
       : QWidget(&over), kind_(kind), from_(std::move(from)), to_(std::move(to)) {
+    // Out of the reach of hosts\' style sheets.
+    setAttribute(Qt::WA_WindowPropagation);
     setGeometry(rect);
     if (cornerRadius > 0) shape_.addRoundedRect(QRectF(this->rect()), cornerRadius, cornerRadius);
     raise();
@@ -109,15 +111,6 @@ class Transition::Cover : public QWidget {
         draw(painter, from_, {}, 1 - share_);
         break;
     }
-  }
-
-  bool event(QEvent* event) override {
-    const bool used = QWidget::event(event);
-    // A host's style sheet paints no ground into it.
-    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
-      setAttribute(Qt::WA_StyledBackground, false);
-    }
-    return used;
   }
 
   // Nothing goes through to the screens below.

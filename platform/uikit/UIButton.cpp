@@ -168,7 +168,7 @@ bool UIButton::isOtherControlAt(CGPoint point) const {
 }
 
 std::shared_ptr<UIView> UIButton::hitTest(CGPoint point) {
-  if (const auto hit = UIView::hitTest(point)) return hit;
+  if (auto hit = UIView::hitTest(point)) return hit;
   if (isHidden() || !isUserInteractionEnabled()) return nullptr;
   const CGRect shape = bounds();
   const CGRect target = shape.insetBy(std::min(0.0, (shape.size.width - kLeastTarget) / 2),
@@ -177,7 +177,7 @@ std::shared_ptr<UIView> UIButton::hitTest(CGPoint point) {
 }
 
 std::string UIButton::accessibilityLabel() const {
-  const std::string set = UIView::accessibilityLabel();
+  std::string set = UIView::accessibilityLabel();
   if (!set.empty()) return set;
   return title_.empty() ? labelIn(*this) : title_;
 }

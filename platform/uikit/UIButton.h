@@ -22,6 +22,8 @@ class UIButton : public UIControl {
   static constexpr double kLeastTarget = 44;
 
   UIButton();
+  UIButton(const UIButton&) = delete;
+  UIButton& operator=(const UIButton&) = delete;
   ~UIButton() override;
 
   const std::string& title() const { return title_; }

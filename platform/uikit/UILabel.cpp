@@ -103,7 +103,7 @@ void UILabel::draw(Canvas& canvas) {
 }
 
 std::string UILabel::accessibilityLabel() const {
-  const std::string set = UIView::accessibilityLabel();
+  std::string set = UIView::accessibilityLabel();
   return set.empty() ? text_ : set;
 }
 

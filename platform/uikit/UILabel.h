@@ -22,6 +22,8 @@ class UILabel : public UIView {
   static constexpr double kFontSize = 17;
 
   UILabel();
+  UILabel(const UILabel&) = delete;
+  UILabel& operator=(const UILabel&) = delete;
   ~UILabel() override;
 
   // Either takes the place of the other; the text of an attributed one is its characters.

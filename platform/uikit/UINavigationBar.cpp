@@ -96,13 +96,14 @@ void UINavigationBar::draw(Canvas& canvas) {
     canvas.draw(*image, {{0, size.height - height}, {size.width, height}});
   }
   if (item_.title.empty()) return;
-  NSTextStorage text(NSAttributedString(
-      item_.title,
-      {UIFont::systemFont(kTitleSize, UIFont::kSemiboldWeight), kInk, NSTextAlignment::center}));
+  const UIFont font = UIFont::make("Exo-SemiBold", kTitleSize)
+                          .value_or(UIFont::systemFont(kTitleSize, UIFont::kSemiboldWeight));
+  NSTextStorage text(NSAttributedString(item_.title, {font, kInk, NSTextAlignment::center}));
   NSLayoutManager manager;
   text.addLayoutManager(manager);
   const double margin = kSide + kTarget;
-  NSTextContainer container({size.width - 2 * margin, size.height});
+  NSTextContainer container;
+  container.size = {size.width - 2 * margin, size.height};
   container.lineFragmentPadding = 0;
   container.maximumNumberOfLines = 1;
   manager.addTextContainer(container);

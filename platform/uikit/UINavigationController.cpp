@@ -146,10 +146,11 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
       from->endAppearance();
       if (!forward) from->removeFromParent();
     }
-    to->endAppearance();
+    // Before the screen appears, which may give the focus to one of its fields.
     if (const auto window = alive->viewIfLoaded()->window(); window && window->widget()) {
       window->widget()->setFocus(Qt::OtherFocusReason);
     }
+    to->endAppearance();
     if (const auto asked = alive->delegate.lock()) {
       asked->navigationControllerDidShow(*alive, *to, animated);
     }

@@ -18,6 +18,8 @@ class UIStoryboard : public std::enable_shared_from_this<UIStoryboard> {
  public:
   // One error for all that is wrong with the files and with what they say of each other.
   static Result<std::shared_ptr<UIStoryboard>> make(const std::string& name, const Bundle& bundle);
+  UIStoryboard(const UIStoryboard&) = delete;
+  UIStoryboard& operator=(const UIStoryboard&) = delete;
   ~UIStoryboard();
 
   // New controllers. Their views are loaded when first asked for.

@@ -102,6 +102,8 @@ class UITextField::Editor : public QLineEdit {
       isByCode_ = true;
       setText(wanted);
       isByCode_ = false;
+      // A text that is too long shows its beginning.
+      if (!hasFocus()) home(false);
       known_ = text();
     }
     if (field_) field_->text_ = known_.toStdString();
@@ -168,6 +170,7 @@ class UITextField::Editor : public QLineEdit {
                            event->reason() == Qt::MenuBarFocusReason ||
                            event->reason() == Qt::ActiveWindowFocusReason;
     if (field_ && !comesBack) field_->endEditing(true);
+    if (!comesBack) home(false);
   }
 
   void hideEvent(QHideEvent* event) override {
@@ -221,6 +224,7 @@ QValidator::State UITextField::Gate::validate(QString& input, int& cursor) const
 }
 
 UITextField::UITextField() : editor_(nullptr), font_(UIFont::systemFont(kFontSize)) {
+  // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the view's widget takes it over.
   editor_ = new Editor(*this);
   AccessibleView::registerEditor(*editor_);
   setFocusable(true);
@@ -267,12 +271,13 @@ void UITextField::setPlaceholderColor(const UIColor& color) {
 
 void UITextField::setFont(const std::optional<UIFont>& font) {
   font_ = font.value_or(UIFont::systemFont(kFontSize));
+  applyLook();
   lookChanged();
 }
 
 void UITextField::setTextColor(const UIColor& color) {
   textColor_ = color;
-  lookChanged();
+  applyLook();
 }
 
 void UITextField::setTextInset(double inset) {
@@ -294,7 +299,6 @@ void UITextField::setEnabled(bool enabled) {
 
 void UITextField::lookChanged() {
   drawn_.reset();
-  applyLook();
   setNeedsLayout();
   invalidateIntrinsicContentSize();
   setNeedsDisplay();
@@ -431,7 +435,7 @@ CGSize UITextField::sizeThatFits(CGSize) const {
 }
 
 std::string UITextField::accessibilityLabel() const {
-  const std::string set = UIView::accessibilityLabel();
+  std::string set = UIView::accessibilityLabel();
   return set.empty() ? placeholder_ : set;
 }
 

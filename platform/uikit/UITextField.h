@@ -25,6 +25,8 @@ class UITextField : public UIControl {
   static constexpr double kFontSize = 17;
 
   UITextField();
+  UITextField(const UITextField&) = delete;
+  UITextField& operator=(const UITextField&) = delete;
   ~UITextField() override;
 
   std::weak_ptr<UITextFieldDelegate> delegate;
@@ -61,7 +63,7 @@ class UITextField : public UIControl {
   void layoutSubviews() override;
   void didMoveToWindow() override;
   void touchesEnded(const UITouch& touch) override;
-  bool keyPressed(const std::string& key) override { return UIView::keyPressed(key); }
+  bool keyPressed(const std::string&) override { return false; }
   // What is not set is the placeholder.
   std::string accessibilityLabel() const override;
   std::string accessibilityValue() const override { return text_; }

@@ -88,7 +88,12 @@ Animation* current = nullptr;
 // The toolkit's side of a view.
 class UIView::Widget : public QWidget {
  public:
-  explicit Widget(UIView& view) : view_(&view) { setFocusPolicy(Qt::NoFocus); }
+  explicit Widget(UIView& view) : view_(&view) {
+    setFocusPolicy(Qt::NoFocus);
+    // The toolkit keeps the style sheets of hosts away from widgets of this attribute: no ground, no
+    // size, no margins of theirs.
+    setAttribute(Qt::WA_WindowPropagation);
+  }
 
   ~Widget() override {
     if (!view_) return;
@@ -147,27 +152,10 @@ class UIView::Widget : public QWidget {
       view_->settleConstraints();
       view_->layoutPass();
     }
-    const QSize least = minimumSize();
-    const QSize most = maximumSize();
-    const QRect place = geometry();
     const bool used = QWidget::event(event);
-    switch (event->type()) {
-      case QEvent::Polish:
-        // A host's style sheet gives our views no size.
-        setMinimumSize(least);
-        setMaximumSize(most);
-        setGeometry(place);
-        [[fallthrough]];
-      case QEvent::StyleChange:
-        // Nor does it paint a ground into them.
-        setAttribute(Qt::WA_StyledBackground, false);
-        break;
-      case QEvent::ShortcutOverride:
-        // Keys belong to the window that covers the host, not to the host's shortcuts.
-        if (view_ && dynamic_cast<UIWindow*>(view_)) event->accept();
-        break;
-      default:
-        break;
+    // Keys belong to the window that covers the host, not to the host's shortcuts.
+    if (event->type() == QEvent::ShortcutOverride && dynamic_cast<UIWindow*>(view_)) {
+      event->accept();
     }
     return used;
   }
@@ -518,7 +506,6 @@ void UIView::layoutPass() {
 void UIView::layoutTree() {
   if (!widget_) return;
   const auto self = shared(this);
-  widget_->ensurePolished();
   if (widget_->testAttribute(Qt::WA_PendingResizeEvent)) {
     QResizeEvent resized(widget_->size(), {});
     widget_->setAttribute(Qt::WA_PendingResizeEvent, false);

@@ -135,11 +135,21 @@ void UIWindow::widgetLost() {
 
 namespace {
 
+// Whether something else lies over the middle of the view, as an overlay does.
+bool isCovered(const UIView& view) {
+  const auto window = view.window();
+  const CGSize size = view.bounds().size;
+  const CGPoint middle{view.bounds().origin.x + size.width / 2,
+                       view.bounds().origin.y + size.height / 2};
+  const auto hit = window ? window->hitTest(view.convert(middle, nullptr)) : nullptr;
+  return hit && !hit->isDescendant(view) && !view.isDescendant(*hit);
+}
+
 // The subtree's focusable views in the order of the eye: as they lie in the tree.
 void collectFocusable(const std::shared_ptr<UIView>& view,
                       std::vector<std::shared_ptr<UIView>>& found) {
   if (view->isHidden() || !view->isUserInteractionEnabled()) return;
-  if (view->isFocusable()) {
+  if (view->isFocusable() && !isCovered(*view)) {
     const auto* control = dynamic_cast<const UIControl*>(view.get());
     if (!control || control->isEnabled()) found.push_back(view);
   }

@@ -17,6 +17,8 @@ class ViewPlaceholder : public QWidget {
  public:
   // `make` is called at once; where it gives null, the widget stays empty.
   ViewPlaceholder(const std::function<std::shared_ptr<UIView>()>& make, QWidget* parent);
+  ViewPlaceholder(const ViewPlaceholder&) = delete;
+  ViewPlaceholder& operator=(const ViewPlaceholder&) = delete;
   ~ViewPlaceholder() override;
 
   const std::shared_ptr<UIView>& view() const { return view_; }

@@ -32,7 +32,7 @@ std::shared_ptr<UIView> UIViewExtensions::viewFromNib(
 std::shared_ptr<UIView> loadFromNibIfEmbeddedInDifferentNib(const std::shared_ptr<UIView>& view) {
   if (!view->subviews().empty()) return view;
   const UIView& placeholder = *view;
-  const auto designed = UIViewExtensions::viewFromNib(typeid(placeholder), nullptr);
+  auto designed = UIViewExtensions::viewFromNib(typeid(placeholder), nullptr);
   if (!designed) return view;
   designed->setFrame(view->frame());
   view->setTranslatesAutoresizingMaskIntoConstraints(false);

@@ -12,6 +12,8 @@ namespace kestrova {
 class KESTROVA_EXPORT KestrovaButtonPlaceholder : public platform::ViewPlaceholder {
  public:
   explicit KestrovaButtonPlaceholder(QWidget* parent = nullptr);
+  KestrovaButtonPlaceholder(const KestrovaButtonPlaceholder&) = delete;
+  KestrovaButtonPlaceholder& operator=(const KestrovaButtonPlaceholder&) = delete;
   ~KestrovaButtonPlaceholder() override;
 };
 

@@ -9,6 +9,7 @@
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/ModalPresentation.h"
 #include "platform/uikit/UIAlertController.h"
+#include "platform/uikit/UIButton.h"
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UINavigationBar.h"
 #include "platform/uikit/UINavigationController.h"
@@ -286,6 +287,37 @@ TEST_F(Controllers, LetActionsTravelUpTheResponderChain) {
   const auto wrapper = UIViewController::wrapping(host);
   const auto inside = UIWindow::inside(*form);
   EXPECT_EQ(inside->next(), wrapper);
+}
+
+TEST_F(Controllers, KeepTheFocusOffWhatAnOverlayCovers) {
+  const auto base = screen("base");
+  const auto window = UIWindow::make({375, 667});
+  window->setRootViewController(base);
+  window->makeKeyAndVisible();
+  std::vector<std::shared_ptr<UIButton>> buttons;
+  for (int row = 0; row < 3; ++row) {
+    buttons.push_back(std::make_shared<UIButton>());
+    buttons.back()->setFrame({{20, 20.0 + 100 * row}, {200, 50}});
+    base->view()->addSubview(buttons.back());
+  }
+  const auto overlay = std::make_shared<UIView>(CGRect{{0, 100}, {375, 100}});
+  base->view()->addSubview(overlay);
+  const auto focused = [&] {
+    for (std::size_t row = 0; row < 3; ++row) {
+      if (buttons[row]->isFocused()) return int(row);
+    }
+    return -1;
+  };
+  window->widget()->activateWindow();
+  std::vector<int> order;
+  for (int step = 0; step < 3; ++step) {
+    QTest::keyClick(window->widget(), Qt::Key_Tab);
+    order.push_back(focused());
+  }
+  EXPECT_EQ(order, (std::vector<int>{0, 2, 0}));
+  overlay->setHidden(true);
+  QTest::keyClick(window->widget(), Qt::Key_Tab);
+  EXPECT_EQ(focused(), 1);
 }
 
 TEST_F(Controllers, SurviveAScreenThatEndsInItsOwnCallback) {

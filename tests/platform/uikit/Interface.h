@@ -18,6 +18,15 @@
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIWindow.h"
 
+#ifdef __SANITIZE_THREAD__
+// The toolkit draws pictures on threads of its own, which it ends by means that the sanitizer does
+// not see.
+extern "C" __attribute__((used, visibility("default"))) inline const char*
+__tsan_default_suppressions() {
+  return "race:QWaitCondition::~QWaitCondition\n";
+}
+#endif
+
 namespace kestrova::test {
 
 // A test with an interface drawn into memory: an application object, a window of 375 x 667 points,

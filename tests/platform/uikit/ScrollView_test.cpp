@@ -258,6 +258,18 @@ TEST_F(ScrollView, ItsBarShowsWhileItMovesAndNothingTicksAfterwards) {
   EXPECT_FALSE(AnimationClock::shared().isTicking());
 }
 
+TEST_F(ScrollView, AHostsStyleSheetDoesNotChangeItsBar) {
+  const auto view = scrollView();
+  view->setBackgroundColor(UIColor::white());
+  wheel(*view, {0, -350});
+  const QImage plain = picture(*view);
+  qApp->setStyleSheet("QWidget { background: red; min-width: 60px; border: 3px solid green }");
+  settle();
+  wheel(*view, {0, 1});
+  wheel(*view, {0, -1});
+  EXPECT_EQ(picture(*view), plain);
+}
+
 TEST_F(ScrollView, GivesTheContentOfAStoryboardItsWidthAndTheHeightThatItNeeds) {
   const auto view = std::make_shared<UIScrollView>();
   const auto content = std::make_shared<UIView>();

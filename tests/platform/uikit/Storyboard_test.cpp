@@ -15,6 +15,7 @@
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UINib.h"
 #include "platform/uikit/UIStoryboard.h"
+#include "platform/uikit/UIStoryboardScene.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UITableViewCell.h"
 #include "platform/uikit/UITableViewController.h"
@@ -42,8 +43,15 @@ class Gauge : public UIView {
   void awakeFromNib() override { calls().push_back("gauge awake"); }
 };
 
-class FormScreen : public UIViewController, public UITextFieldDelegate {
+class FormScreen : public UIViewController,
+                   public UITextFieldDelegate,
+                   public UITableViewDataSource {
  public:
+  std::size_t tableViewNumberOfRowsInSection(UITableView&, std::size_t) override { return 1; }
+  std::shared_ptr<UITableViewCell> tableViewCellForRowAt(UITableView&, const IndexPath&) override {
+    return std::make_shared<UITableViewCell>();
+  }
+
   std::weak_ptr<UILabel> heading;
   std::weak_ptr<UITextField> nameField;
   std::weak_ptr<UIButton> nextButton;
@@ -196,6 +204,12 @@ TEST_F(Storyboard, MakesScreensThatLoadWhenTheyAreShown) {
   settle();
   EXPECT_EQ(take(), (Calls{"gauge awake", "prepare listEmbedded", "form loaded", "row awake",
                            "row awake"}));
+  const auto named = [&](const char* name) {
+    return form->scene()->viewNamed(*form->view(), name);
+  };
+  EXPECT_TRUE(std::static_pointer_cast<UITableView>(named("table"))->cellForRow({0}));
+  EXPECT_EQ(named("box")->superview(), form->view());
+  EXPECT_EQ(named("List"), nullptr) << "in a screen of its own";
   click(*form->nextButton.lock());
   advance(1);
   EXPECT_EQ(take(), (Calls{"next by Next step", "prepare showList", "row awake", "row awake"}));
@@ -233,14 +247,16 @@ TEST_F(Storyboard, SetsWhatTheFilesSay) {
   form->fieldHeight.lock()->setConstant(60);
   root->layoutIfNeeded();
   EXPECT_EQ(field->frame().size.height, 60);
-  EXPECT_EQ(form->gauge->frame().size.height, 20) << "a hidden view keeps its place";
+  const auto below = root->subviews().back()->frame();
+  EXPECT_EQ(root->subviews()[3]->frame().maxY() + 20, below.minY())
+      << "a hidden view keeps its place";
 }
 
 TEST_F(Storyboard, MovesDesignedViewsWithTheirSuperview) {
   const auto form = good()->instantiateViewController("form").value();
   const auto root = form->view();
   const auto box = root->subviews().back();
-  const auto corner = box->subviews().front();
+  const auto corner = box->subviews()[1];
   const CGSize was = box->bounds().size;
   const CGPoint at = corner->frame().origin;
   EXPECT_EQ(at, (CGPoint{10, 20}));
