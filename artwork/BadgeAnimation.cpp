@@ -5,6 +5,7 @@
 
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
+#include <QtGui/QPen>
 
 #include "artwork/Motion.h"
 #include "artwork/Strokes.h"
@@ -96,7 +97,8 @@ void BadgeAnimation::draw(QPainter& painter, std::size_t frame) const {
     painter.fillPath(seal(1), QColor(kTint));
     painter.restore();
   }
-  setLines(painter, kInk);
+  painter.setPen(curveStroke(kInk));
+  painter.setBrush(Qt::NoBrush);
   painter.drawPath(seal(easeInOut(share(at, 0, 14))));
   if (const double reach = share(at, 13, 22); reach > 0) drawCheck(painter, easeInOut(reach));
 }

@@ -6,6 +6,7 @@
 
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
+#include <QtGui/QPen>
 
 #include "artwork/Colors.h"
 #include "artwork/Motion.h"
@@ -140,8 +141,9 @@ void drawHead(QPainter& painter, double turn) {
   painter.translate(5 * std::sin(turn), 0);
   setStyle(painter, kInk, kGround);
   for (int side : {-1, 1}) drawEar(painter, side, turn);
+  painter.setPen(curveStroke(kInk));
   painter.drawPath(skull());
-  setStyle(painter, kInk, kDeepTint);
+  painter.setBrush(QColor(kDeepTint));
   painter.drawPath(hair(turn));
   setStyle(painter, kInk, kGround);
   drawNearEar(painter, turn);

@@ -13,6 +13,9 @@ constexpr double kLine = 2;
 // Round ends and joins.
 QPen stroke(Color color, double width = kLine);
 
+// For curves of many short lines, on which Qt's round joins leave dots.
+QPen curveStroke(Color color);
+
 // Lines in `color` around an area of `fill`.
 void setStyle(QPainter& painter, Color color, Color fill, double width = kLine);
 

@@ -55,5 +55,6 @@ endfunction()
 function(kestrova_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
   kestrova_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 #include <utility>
 
 #include <QtCore/QXmlStreamReader>
@@ -85,6 +86,8 @@ class DesignerFile::Parser {
   }
 
  private:
+  using Cells = std::set<std::pair<int, int>>;
+
   template <typename... Part>
   void fault(const Part&... parts) {
     // A file that is no file of Designer would fill the screen.
@@ -239,8 +242,12 @@ class DesignerFile::Parser {
       if (!makesSense) fault("a layout has a ", std::string(name), " that makes no sense");
       copyAttribute(name);
     }
+    Cells taken;
     while (in_.readNextStartElement()) {
       if (in_.name() == u"item") {
+        if (kind == "QGridLayout" || kind == "QFormLayout") {
+          takeCells(kind == "QFormLayout", taken);
+        }
         item();
       } else if (in_.name() == u"property") {
         measure(kLayoutProperties, "a layout");
@@ -250,6 +257,29 @@ class DesignerFile::Parser {
       }
     }
     out_.writeEndElement();
+  }
+
+  // Two items in one place would lie over each other; a form layout would lose one.
+  void takeCells(bool isForm, Cells& taken) {
+    const auto number = [this](const char* name, int otherwise) {
+      const auto value = in_.attributes().value(QLatin1String(name));
+      return isNumber(value, 0, kMostCells - 1) ? value.trimmed().toInt() : otherwise;
+    };
+    const int row = number("row", 0);
+    int column = number("column", 0);
+    int columns = number("colspan", 1);
+    if (isForm) {
+      // A label and a field, or one for both.
+      column = columns > 1 ? 0 : std::min(column, 1);
+      columns = std::min(columns, 2);
+    }
+    for (int r = row; r < row + number("rowspan", 1); ++r) {
+      for (int c = column; c < column + columns; ++c) {
+        if (taken.emplace(r, c).second) continue;
+        return fault("a layout has two items in row ", std::to_string(r), ", column ",
+                     std::to_string(c));
+      }
+    }
   }
 
   void item() {

@@ -90,8 +90,8 @@ class UIView::Widget : public QWidget {
  public:
   explicit Widget(UIView& view) : view_(&view) {
     setFocusPolicy(Qt::NoFocus);
-    // The toolkit keeps the style sheets of hosts away from widgets of this attribute: no ground, no
-    // size, no margins of theirs.
+    // The toolkit keeps the style sheets of hosts away from widgets of this attribute: no ground,
+    // no size, no margins of theirs.
     setAttribute(Qt::WA_WindowPropagation);
   }
 
@@ -153,6 +153,8 @@ class UIView::Widget : public QWidget {
       view_->layoutPass();
     }
     const bool used = QWidget::event(event);
+    // A style sheet that the host sets later comes to widgets of any attribute.
+    if (event->type() == QEvent::StyleChange) setAttribute(Qt::WA_StyledBackground, false);
     // Keys belong to the window that covers the host, not to the host's shortcuts.
     if (event->type() == QEvent::ShortcutOverride && dynamic_cast<UIWindow*>(view_)) {
       event->accept();

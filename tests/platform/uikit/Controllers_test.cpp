@@ -309,12 +309,12 @@ TEST_F(Controllers, KeepTheFocusOffWhatAnOverlayCovers) {
     return -1;
   };
   window->widget()->activateWindow();
-  std::vector<int> order;
-  for (int step = 0; step < 3; ++step) {
-    QTest::keyClick(window->widget(), Qt::Key_Tab);
-    order.push_back(focused());
-  }
-  EXPECT_EQ(order, (std::vector<int>{0, 2, 0}));
+  settle();
+  buttons[0]->becomeFocused();
+  QTest::keyClick(window->widget(), Qt::Key_Tab);
+  EXPECT_EQ(focused(), 2);
+  QTest::keyClick(window->widget(), Qt::Key_Tab);
+  EXPECT_EQ(focused(), 0);
   overlay->setHidden(true);
   QTest::keyClick(window->widget(), Qt::Key_Tab);
   EXPECT_EQ(focused(), 1);

@@ -357,6 +357,10 @@ TEST_F(Storyboard, NamesWhatDoesNotFit) {
       {"storyboard.json", "Row.ui", "List.ui", "scene list: List.ui: it is no cell"},
       {"List.ui", "UITableView", "UIView",
        "scene list: List.ui: List, a UIView, has no property \"rowHeight\""},
+      {"Row.ui", "</widget>\n </widget>",
+       "</widget><layout class=\"QFormLayout\"><item row=\"0\" column=\"1\"><spacer/></item>"
+       "<item row=\"0\" column=\"2\"><spacer/></item></layout></widget>",
+       "Good: Row.ui: a layout has two items in row 0, column 1"},
       {"storyboard.json", "\"format\": 1", "\"format\": 2",
        "Good: storyboard.json: the storyboard: its format is not 1"},
       {"storyboard.json", "\"initial\": \"stack\"", "\"initial\": \"start\"",

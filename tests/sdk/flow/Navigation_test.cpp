@@ -393,7 +393,7 @@ TEST_F(Flow, CanBeLeftFromEveryScreenWhileARequestIsUnderWay) {
     nationality->startButton(nullptr);
     if (scene != std::string_view("ChooseCitizen")) push<UIViewController>(scene);
     const std::weak_ptr<UIViewController> flow = wrapper->presentedViewController();
-    const auto window = nationality->view()->window();
+    const auto window = wrapper->presentedViewController()->view()->window();
     // The close control lies on top of every screen.
     click(*window, {345, 28});
     finishMotion();
