@@ -20,7 +20,8 @@ std::optional<double> designerNumber(std::string_view text) {
   double value = 0;
   const char* const end = text.data() + text.size();
   const auto read = std::from_chars(text.data(), end, value);
-  if (text.empty() || read.ptr != end || !std::isfinite(value)) return std::nullopt;
+  constexpr double kMost = 1e6;
+  if (text.empty() || read.ptr != end || !(std::abs(value) <= kMost)) return std::nullopt;
   return value;
 }
 
@@ -34,12 +35,12 @@ struct DesignerProperties::Value {
   std::optional<double> number() const { return designerNumber(text); }
   std::optional<double> length() const {
     const auto value = number();
-    return value && *value >= 0 ? value : std::nullopt;
+    constexpr double kMost = 1e4;
+    return value && *value >= 0 && *value <= kMost ? value : std::nullopt;
   }
   std::optional<std::size_t> count() const {
     const auto value = length();
-    constexpr double kMost = 1e6;
-    if (!value || *value > kMost || *value != std::floor(*value)) return std::nullopt;
+    if (!value || *value != std::floor(*value)) return std::nullopt;
     return std::size_t(*value);
   }
   std::optional<bool> flag() const {

@@ -32,7 +32,7 @@ class DesignerProperties {
   const NamedColors& colors_;
 };
 
-// A decimal number; none where the text is not one.
+// A decimal number of at most a million; none where the text is not one.
 std::optional<double> designerNumber(std::string_view text);
 
 }  // namespace kestrova::platform

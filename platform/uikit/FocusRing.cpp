@@ -6,6 +6,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
+#include "platform/uikit/HostStyle.h"
 #include "platform/uikit/UIView.h"
 #include "platform/uikit/UIWindow.h"
 
@@ -39,8 +40,6 @@ class FocusRing::Ring : public QWidget {
   explicit Ring(UIWindow& window) : QWidget(window.widget()), window_(window.widget()) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
-    // Out of the reach of hosts' style sheets.
-    setAttribute(Qt::WA_WindowPropagation);
     setVisible(false);
     qApp->installEventFilter(this);
   }
@@ -76,7 +75,7 @@ class FocusRing::Ring : public QWidget {
  protected:
   bool event(QEvent* event) override {
     if (event->type() == QEvent::User) follow();
-    return QWidget::event(event);
+    return withoutHostStyle(*this, *event, [this, event] { return QWidget::event(event); });
   }
 
   void paintEvent(QPaintEvent*) override {

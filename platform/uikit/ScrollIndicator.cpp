@@ -7,6 +7,7 @@
 #include <QtWidgets/QWidget>
 
 #include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/HostStyle.h"
 
 namespace kestrova::platform {
 
@@ -27,8 +28,6 @@ class ScrollIndicator::Bar : public QWidget {
   explicit Bar(QWidget& scrollView) : QWidget(&scrollView) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
-    // Out of the reach of hosts' style sheets.
-    setAttribute(Qt::WA_WindowPropagation);
     hide();
   }
 
@@ -52,6 +51,10 @@ class ScrollIndicator::Bar : public QWidget {
   }
 
  protected:
+  bool event(QEvent* event) override {
+    return withoutHostStyle(*this, *event, [this, event] { return QWidget::event(event); });
+  }
+
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -11,6 +11,7 @@
 #include <QtWidgets/QWidget>
 
 #include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/HostStyle.h"
 #include "platform/uikit/UIView.h"
 
 namespace kestrova::platform {
@@ -65,8 +66,6 @@ class Transition::Cover : public QWidget {
   Cover(QWidget& over, QRect rect, double cornerRadius, Kind kind,
         std::shared_ptr<const Snapshot> from, std::shared_ptr<const Snapshot> to)
       : QWidget(&over), kind_(kind), from_(std::move(from)), to_(std::move(to)) {
-    // Out of the reach of hosts\' style sheets.
-    setAttribute(Qt::WA_WindowPropagation);
     setGeometry(rect);
     if (cornerRadius > 0) shape_.addRoundedRect(QRectF(this->rect()), cornerRadius, cornerRadius);
     raise();
@@ -79,6 +78,10 @@ class Transition::Cover : public QWidget {
   }
 
  protected:
+  bool event(QEvent* event) override {
+    return withoutHostStyle(*this, *event, [this, event] { return QWidget::event(event); });
+  }
+
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
     if (!shape_.isEmpty()) {

@@ -14,6 +14,7 @@
 
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/Canvas.h"
+#include "platform/uikit/HostStyle.h"
 #include "platform/uikit/NSLayoutConstraint.h"
 #include "platform/uikit/NativePainter.h"
 #include "platform/uikit/TouchDispatcher.h"
@@ -88,18 +89,13 @@ Animation* current = nullptr;
 // The toolkit's side of a view.
 class UIView::Widget : public QWidget {
  public:
-  explicit Widget(UIView& view) : view_(&view) {
-    setFocusPolicy(Qt::NoFocus);
-    // The toolkit keeps the style sheets of hosts away from widgets of this attribute: no ground,
-    // no size, no margins of theirs.
-    setAttribute(Qt::WA_WindowPropagation);
-  }
+  explicit Widget(UIView& view) : view_(&view) { setFocusPolicy(Qt::NoFocus); }
 
   ~Widget() override {
     if (!view_) return;
     // The toolkit deletes it with a host's window: the views below stay whole.
     for (const auto& subview : view_->subviews_) {
-      if (subview->widget_) subview->widget_->setParent(nullptr);
+      if (subview->widget_) subview->widget_->moveTo(nullptr);
     }
     UIView& view = *view_;
     view.widget_ = nullptr;
@@ -111,6 +107,21 @@ class UIView::Widget : public QWidget {
 
   // Lengths that a constraint wants and that give way; -1 for none.
   QSize wish{-1, -1};
+
+  // Remembers the limits of the size as our own: a host's style sheet may change them with each
+  // move to another parent.
+  void keepLimits() {
+    least_ = minimumSize();
+    most_ = maximumSize();
+  }
+
+  void moveTo(QWidget* parent) {
+    keepLimits();
+    for (QWidget* const below : findChildren<QWidget*>()) {
+      if (auto* const ours = dynamic_cast<Widget*>(below)) ours->keepLimits();
+    }
+    setParent(parent);
+  }
 
   QSize sizeHint() const override {
     return wished(layout() || !view_ ? QWidget::sizeHint() : fitting(-1));
@@ -152,9 +163,13 @@ class UIView::Widget : public QWidget {
       view_->settleConstraints();
       view_->layoutPass();
     }
-    const bool used = QWidget::event(event);
-    // A style sheet that the host sets later comes to widgets of any attribute.
-    if (event->type() == QEvent::StyleChange) setAttribute(Qt::WA_StyledBackground, false);
+    if (event->type() == QEvent::Polish) keepLimits();
+    const auto handle = [this, event] { return QWidget::event(event); };
+    const bool used = withoutHostStyle(*this, *event, handle, least_, most_);
+    if (event->type() == QEvent::StyleChange && view_ && parentWidget() &&
+        !parentWidget()->layout()) {
+      view_->applyFrame();
+    }
     // Keys belong to the window that covers the host, not to the host's shortcuts.
     if (event->type() == QEvent::ShortcutOverride && dynamic_cast<UIWindow*>(view_)) {
       event->accept();
@@ -235,6 +250,8 @@ class UIView::Widget : public QWidget {
   }
 
   UIView* view_;
+  QSize least_{0, 0};
+  QSize most_{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
 };
 
 UIView::UIView() : UIView(CGRect{}) {}
@@ -252,7 +269,7 @@ UIView::UIView(std::unique_ptr<CALayer> layer) : layer_(std::move(layer)) {
 UIView::~UIView() {
   for (const auto& subview : subviews_) {
     subview->superview_ = nullptr;
-    if (subview->widget_) subview->widget_->setParent(nullptr);
+    if (subview->widget_) subview->widget_->moveTo(nullptr);
   }
   if (!widget_) return;
   widget_->forget();
@@ -349,7 +366,7 @@ void UIView::place(const std::shared_ptr<UIView>& view, std::size_t index) {
   subviews_.insert(subviews_.begin() + std::ptrdiff_t(index), held);
   held->superview_ = this;
   if (held->widget_ && widget_) {
-    if (held->widget_->parentWidget() != widget_) held->widget_->setParent(widget_);
+    if (held->widget_->parentWidget() != widget_) held->widget_->moveTo(widget_);
     held->setFrame(frame);
     if (index + 1 < subviews_.size() && subviews_[index + 1]->widget_) {
       held->widget_->stackUnder(subviews_[index + 1]->widget_);
@@ -372,7 +389,7 @@ void UIView::removeFromSuperview() {
   frame_ = last;
   if (widget_) {
     widget_->hide();
-    widget_->setParent(nullptr);
+    widget_->moveTo(nullptr);
   }
   parent.setNeedsLayout();
   notifyWindow();
@@ -541,6 +558,7 @@ void UIView::apply(const NSLayoutConstraint& constraint) {
     view->widget_->setMaximumWidth(length);
     if (least) view->widget_->wish.setWidth(length);
   }
+  view->widget_->keepLimits();
   view->widget_->updateGeometry();
 }
 
