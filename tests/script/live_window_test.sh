@@ -47,7 +47,7 @@ point() { xdotool mousemove --sync "$1" "$2"; }
 
 place=$(await "at button ")
 # No window manager gives the window the keyboard.
-xdotool windowfocus --sync "$(xdotool search --onlyvisible --pid "$live" | tail -n 1)"
+xdotool windowfocus --sync "$(xdotool search --onlyvisible --class live_window | tail -n 1)"
 point $place
 xdotool click 1
 place=$(await "at field ")
