@@ -151,7 +151,7 @@ std::vector<State> states() {
          const auto field = screen.emailTextfield.lock();
          field->becomeFirstResponder();
          field->setText("ada@example.com");
-         screen.spinner.lock()->setHidden(false);
+         screen.setWaiting(true);
        }},
       {"09-selfie", "MoveHead"},
       {"10-selfie-sending", "MoveHead",

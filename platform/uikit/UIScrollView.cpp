@@ -9,6 +9,7 @@
 
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/ScrollIndicator.h"
+#include "platform/uikit/UITextField.h"
 
 namespace kestrova::platform {
 
@@ -108,6 +109,10 @@ void UIScrollView::setContentInset(const UIEdgeInsets& inset) {
   if (contentInset_ == inset) return;
   contentInset_ = inset;
   keepWithinContent();
+  const auto field = UITextField::edited();
+  if (field && field->isDescendant(*this)) {
+    scrollRectToVisible({field->convert({}, this), field->bounds().size}, true);
+  }
 }
 
 void UIScrollView::setScrollIndicatorInsets(const UIEdgeInsets& inset) {

@@ -37,7 +37,8 @@ class UIScrollView : public UIView {
   // The point of the content in the upper left corner, kept within the content and its insets.
   CGPoint contentOffset() const { return bounds().origin; }
   void setContentOffset(CGPoint offset, bool animated = false);
-  // Room around the content; negative ones take from it. Points.
+  // Room around the content; negative ones take from it. Points. A text field inside that is edited
+  // scrolls into sight, as an on-screen keyboard would cover it.
   const UIEdgeInsets& contentInset() const { return contentInset_; }
   void setContentInset(const UIEdgeInsets& inset);
   // Room around the bar that shows how far the content is scrolled.

@@ -7,6 +7,17 @@
 
 namespace kestrova::platform {
 
+namespace {
+
+bool beginsWithSpace(const QLayoutItem& part) {
+  const QLayout* const inside =
+      part.widget() ? part.widget()->layout() : const_cast<QLayoutItem&>(part).layout();
+  return inside && inside->count() > 0 && inside->itemAt(0)->spacerItem() &&
+         (inside->itemAt(0)->expandingDirections() & Qt::Vertical);
+}
+
+}  // namespace
+
 void UIStackView::layoutSubviews() {
   auto* const layout = widget() ? qobject_cast<QBoxLayout*>(widget()->layout()) : nullptr;
   const auto window = this->window();
@@ -20,6 +31,8 @@ void UIStackView::layoutSubviews() {
   // Parts of a row are equally wide; of a column the last takes what is free.
   for (int part = 0; part < layout->count(); ++part) {
     layout->setStretch(part, isFlat || part + 1 == layout->count() ? 1 : 0);
+    QLayoutItem& item = *layout->itemAt(part);
+    item.setAlignment(isFlat && beginsWithSpace(item) ? Qt::AlignVCenter : Qt::Alignment());
   }
 }
 

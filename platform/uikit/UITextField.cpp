@@ -30,15 +30,9 @@ namespace {
 constexpr double kLeastHeight = 44;
 constexpr double kUnbounded = 1e6;
 
-// The one field that is edited, where one is.
-std::weak_ptr<UITextField>& edited() {
+std::weak_ptr<UITextField>& editedField() {
   static std::weak_ptr<UITextField> field;
   return field;
-}
-
-bool isAnyEdited() {
-  const auto field = edited().lock();
-  return field && field->isEditing();
 }
 
 std::u16string_view view(const QString& text) {
@@ -328,6 +322,11 @@ void UITextField::layoutSubviews() {
                        int(std::lround(size.height)));
 }
 
+std::shared_ptr<UITextField> UITextField::edited() {
+  auto field = editedField().lock();
+  return field && field->isEditing_ ? field : nullptr;
+}
+
 bool UITextField::becomeFirstResponder() {
   const auto self = shared(this);
   if (isEditing_) return true;
@@ -338,11 +337,11 @@ bool UITextField::becomeFirstResponder() {
     isAsking_ = false;
     if (!may || !isEnabled() || !editor_ || !window()) return false;
   }
-  const auto other = edited().lock();
+  const auto other = edited();
   if (other && other != self && !other->endEditing(false)) return false;
   if (isEditing_) return true;
   isEditing_ = true;
-  edited() = self;
+  editedField() = self;
   applyEditing();
   if (!editor_->hasFocus()) {
     editor_->setFocus(tapAt_ ? Qt::MouseFocusReason : Qt::OtherFocusReason);
@@ -367,12 +366,12 @@ bool UITextField::endEditing(bool force) {
   }
   if (!isEditing_) return true;
   isEditing_ = false;
-  edited().reset();
+  editedField().reset();
   applyEditing();
   if (editor_) editor_->deselect();
   if (const auto told = delegate.lock()) told->textFieldDidEndEditing(*this);
   sendActions(UIControlEvents::editingDidEnd);
-  if (!isAnyEdited()) QGuiApplication::inputMethod()->hide();
+  if (!edited()) QGuiApplication::inputMethod()->hide();
   return true;
 }
 
@@ -392,7 +391,7 @@ void UITextField::tapped() {
   const bool begun = becomeFirstResponder();
   if (!editor_) return;
   // Who may not edit yet has the keys none the less, unless somebody else is typing.
-  if (!begun && isEnabled() && !isAnyEdited()) editor_->setFocus(Qt::MouseFocusReason);
+  if (!begun && isEnabled() && !edited()) editor_->setFocus(Qt::MouseFocusReason);
   if (begun && tapAt_) {
     const QPoint at(int(std::lround(tapAt_->x)) - editor_->x(), editor_->height() / 2);
     editor_->setCursorPosition(editor_->cursorPositionAt(at));

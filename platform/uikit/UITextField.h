@@ -51,6 +51,8 @@ class UITextField : public UIControl {
   void setKeyboardType(UIKeyboardType type);
   void setEnabled(bool enabled) override;
 
+  // The field that is edited, where one is.
+  static std::shared_ptr<UITextField> edited();
   bool isEditing() const { return isEditing_; }
   // Begins editing: asks the delegate, ends the editing of another field, takes the focus, then
   // tells the delegate and the actions. False where one of them would not have it, or the field is

@@ -44,6 +44,7 @@ void CheckEmailViewController::bind(UIBindings& bindings) {
   bindings.outlet("bottomRightImg", bottomRightImg);
   bindings.outlet("startButton", startButton);
   bindings.outlet("spinner", spinner);
+  bindings.outlet("veil", veil);
   bindings.action("nextButtonPressed:", shared(this), &CheckEmailViewController::nextButtonPressed);
 }
 
@@ -138,7 +139,7 @@ void CheckEmailViewController::enterEmailAddress() {
     return;
   }
   Kestrova::email = email;
-  if (const auto waiting = spinner.lock()) waiting->setHidden(false);
+  setWaiting(true);
   if (!Kestrova::apiKey) {
     print("Api key not initialized");
     performSegue(Segues::showErrorScreenfromEmail, shared(this));
@@ -164,8 +165,13 @@ void CheckEmailViewController::signupEmailToBackend(const std::string& apiKey,
                        });
 }
 
+void CheckEmailViewController::setWaiting(bool isWaiting) {
+  if (const auto waiting = spinner.lock()) waiting->setHidden(!isWaiting);
+  if (const auto light = veil.lock()) light->setHidden(!isWaiting);
+}
+
 void CheckEmailViewController::startProcessAsNewUserAuthenticate() {
-  if (const auto waiting = spinner.lock()) waiting->setHidden(true);
+  setWaiting(false);
   performSegue(Segues::showTakeSelfieVideo, shared(this));
 }
 

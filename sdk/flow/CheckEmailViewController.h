@@ -28,6 +28,8 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   std::weak_ptr<UIView> bottomRightImg;
   std::weak_ptr<UIButton> startButton;
   std::weak_ptr<SpinnerView> spinner;
+  // Behind the spinner, over the rest of the screen.
+  std::weak_ptr<UIView> veil;
   // The field's text after the last edit.
   std::string emailAddress;
 
@@ -47,6 +49,8 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   void enterEmailAddress();
   void signupEmailToBackend(const std::string& apiKey, const std::string& authentication_key,
                             const std::string& email);
+  // Shows or hides the spinner and its veil.
+  void setWaiting(bool isWaiting);
   void startProcessAsNewUserAuthenticate();
 
  private:

@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIClassRegistry.h"
 #include "sdk/Platform.h"
+#include "sdk/ui/HeadingLabel.h"
 #include "sdk/ui/KestrovaButton.h"
 #include "sdk/ui/ProgressStepsView.h"
 #include "sdk/ui/SpinnerView.h"
@@ -9,6 +10,7 @@
 namespace kestrova {
 
 void registerViewClasses() {
+  UIClassRegistry::registerClass<HeadingLabel>("HeadingLabel");
   UIClassRegistry::registerClass<KestrovaButton>("KestrovaButton");
   UIClassRegistry::registerClass<ProgressStepsView>("ProgressStepsView");
   UIClassRegistry::registerClass<SpinnerView>("SpinnerView");
