@@ -273,15 +273,24 @@ std::size_t UITableView::rowsInSight() const {
 }
 
 void UITableView::moveFocusedRow(int by) {
-  const std::size_t count = rows_.count();
+  const auto count = static_cast<long long>(rows_.count());
   if (count == 0 || by == 0) return;
-  if (!focused_) {
+  long long target = 0;
+  if (focused_) {
+    target = std::clamp<long long>(static_cast<long long>(*focused_) + by, 0, count - 1);
+  } else {
     const auto [first, last] = rows_.between(bounds().minY(), bounds().maxY());
-    return focusRow(by > 0 ? std::min(first, count - 1) : std::max<std::size_t>(last, 1) - 1);
+    target = std::min(static_cast<long long>(by > 0 ? first : std::max<std::size_t>(last, 1) - 1),
+                      count - 1);
   }
-  const auto target = std::clamp<long long>(static_cast<long long>(*focused_) + by, 0,
-                                            static_cast<long long>(count) - 1);
-  focusRow(std::size_t(target));
+  // On over rows at which it does not stop; where only such rows follow it stays where it is.
+  const auto self = shared(this);
+  const auto asked = delegate.lock();
+  const auto stops = [&](long long row) {
+    return !asked || asked->tableViewShouldHighlightRowAt(*this, rows_.indexPath(std::size_t(row)));
+  };
+  while (target >= 0 && target < count && !stops(target)) target += by > 0 ? 1 : -1;
+  if (target >= 0 && target < count) focusRow(std::size_t(target));
 }
 
 void UITableView::selectFocusedRow() {

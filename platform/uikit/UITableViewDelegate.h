@@ -13,6 +13,8 @@ class UITableViewDelegate {
 
   // Points; the table's rowHeight() unless overridden. Asked once a row for each reload.
   virtual double tableViewHeightForRowAt(UITableView& tableView, const IndexPath& indexPath);
+  // Whether the keyboard stops at the row. A tap may choose it all the same.
+  virtual bool tableViewShouldHighlightRowAt(UITableView&, const IndexPath&) { return true; }
   // After people have chosen the row, not after a selectRow() of the program.
   virtual void tableViewDidSelectRowAt(UITableView&, const IndexPath&) {}
 };

@@ -55,6 +55,23 @@ bool isPlainEnter(const QKeyEvent& event) {
   return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
+// The name of a key that moves through a list or chooses from it; else empty.
+std::string_view listKey(const QKeyEvent& event) {
+  if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return {};
+  switch (event.key()) {
+    case Qt::Key_Up:
+      return "Up";
+    case Qt::Key_Down:
+      return "Down";
+    case Qt::Key_PageUp:
+      return "PageUp";
+    case Qt::Key_PageDown:
+      return "PageDown";
+    default:
+      return isPlainEnter(event) ? "Return" : "";
+  }
+}
+
 // Whether the key would change a text.
 bool isTyping(const QKeyEvent& event) {
   if (event.matches(QKeySequence::Paste)) return true;
@@ -130,9 +147,12 @@ class UITextField::Editor : public QLineEdit {
   void keyPressEvent(QKeyEvent* event) override {
     const auto field = field_ ? shared(field_) : nullptr;
     if (!field) return QLineEdit::keyPressEvent(event);
+    const auto asked = field->delegate.lock();
+    const auto key = listKey(*event);
+    if (asked && !key.empty() && asked->textFieldKeyPressed(*field, key)) return;
     if (field->isEditing()) {
       if (!isPlainEnter(*event)) return QLineEdit::keyPressEvent(event);
-      if (const auto asked = field->delegate.lock()) asked->textFieldShouldReturn(*field);
+      if (asked) asked->textFieldShouldReturn(*field);
       return;
     }
     if (event->matches(QKeySequence::Copy) || event->matches(QKeySequence::SelectAll)) {

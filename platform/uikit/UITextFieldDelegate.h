@@ -17,6 +17,9 @@ class UITextFieldDelegate {
   virtual void textFieldDidBeginEditing(UITextField&) {}
   virtual bool textFieldShouldEndEditing(UITextField&) { return true; }
   virtual void textFieldDidEndEditing(UITextField&) {}
+  // A key that lists understand (Up, Down, PageUp, PageDown, Return) was pressed in the field,
+  // edited or not. True where that is all that it does.
+  virtual bool textFieldKeyPressed(UITextField&, std::string_view /*key*/) { return false; }
   // Return was pressed while the field is edited.
   virtual bool textFieldShouldReturn(UITextField&) { return true; }
   // Before each change that a person makes: `range`, in UTF-16 code units of the field's text, is

@@ -117,6 +117,25 @@ bool ChooseCitizenViewController::textFieldShouldChangeCharactersIn(
   return true;
 }
 
+bool ChooseCitizenViewController::textFieldKeyPressed(UITextField&, std::string_view key) {
+  const auto table = tableView.lock();
+  if (!table) return false;
+  if (key == "Return") {
+    if (!isListOpen() || !table->focusedRow()) return false;
+    table->selectFocusedRow();
+    return true;
+  }
+  if (!isListOpen()) {
+    shouldShowKeyboard = true;
+    tapOnArrow(nullptr);
+    return true;
+  }
+  constexpr int kPage = 4;
+  const int step = key.starts_with("Page") ? kPage : 1;
+  table->moveFocusedRow(key.ends_with("Up") ? -step : step);
+  return true;
+}
+
 std::size_t ChooseCitizenViewController::tableViewNumberOfRowsInSection(UITableView&, std::size_t) {
   return displayed().size();
 }
@@ -140,7 +159,13 @@ double ChooseCitizenViewController::tableViewHeightForRowAt(UITableView&,
 
 std::string ChooseCitizenViewController::tableViewAccessibilityLabelForRowAt(
     UITableView&, const IndexPath& indexPath) {
-  return capitalized(nameOf(displayed()[indexPath.row]));
+  const auto& country = displayed()[indexPath.row];
+  return isSeparator(country) ? "All countries" : capitalized(nameOf(country));
+}
+
+bool ChooseCitizenViewController::tableViewShouldHighlightRowAt(UITableView&,
+                                                                const IndexPath& indexPath) {
+  return !isSeparator(displayed()[indexPath.row]);
 }
 
 void ChooseCitizenViewController::tableViewDidSelectRowAt(UITableView& table,
@@ -170,9 +195,13 @@ void ChooseCitizenViewController::internalHideKeyboard() {
   setDropdownHeight(kCollapsed);
 }
 
-bool ChooseCitizenViewController::accessibilityPerformEscape() {
+bool ChooseCitizenViewController::isListOpen() const {
   const auto constraint = dropdownHeightConstraint.lock();
-  if (!constraint || constraint->constant() == kCollapsed) return false;
+  return constraint && constraint->constant() != kCollapsed;
+}
+
+bool ChooseCitizenViewController::accessibilityPerformEscape() {
+  if (!isListOpen()) return false;
   internalHideKeyboard();
   return true;
 }

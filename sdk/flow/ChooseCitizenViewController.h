@@ -60,11 +60,15 @@ class ChooseCitizenViewController : public UIViewController,
   bool textFieldShouldBeginEditing(UITextField& textField) override;
   bool textFieldShouldChangeCharactersIn(UITextField& textField, NSRange range,
                                          std::string_view replacementString) override;
+  // Opens the list, then moves through it and chooses from it.
+  bool textFieldKeyPressed(UITextField& textField, std::string_view key) override;
 
   std::size_t tableViewNumberOfRowsInSection(UITableView& table, std::size_t section) override;
   std::shared_ptr<UITableViewCell> tableViewCellForRowAt(UITableView& table,
                                                          const IndexPath& indexPath) override;
   double tableViewHeightForRowAt(UITableView& table, const IndexPath& indexPath) override;
+  // All but the divider.
+  bool tableViewShouldHighlightRowAt(UITableView& table, const IndexPath& indexPath) override;
   void tableViewDidSelectRowAt(UITableView& table, const IndexPath& indexPath) override;
   std::string tableViewAccessibilityLabelForRowAt(UITableView& table,
                                                   const IndexPath& indexPath) override;
@@ -90,6 +94,7 @@ class ChooseCitizenViewController : public UIViewController,
 
  private:
   const std::vector<CountryEntry>& displayed() const;
+  bool isListOpen() const;
   void setDropdownHeight(double height);
   void setIcon(std::string_view code);
   void setChooseButton(bool enabled);

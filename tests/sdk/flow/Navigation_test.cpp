@@ -205,6 +205,41 @@ TEST_F(Flow, OpensSearchesAndClosesTheListOfCountries) {
   EXPECT_FALSE(wrapper->presentedViewController());
 }
 
+TEST_F(Flow, LetsTheKeyboardOpenTheListMoveAndChoose) {
+  start();
+  const auto screen = top<ChooseCitizenViewController>();
+  const auto field = screen->countryTextfield.lock();
+  const auto table = screen->tableView.lock();
+  const auto press = [](Qt::Key key, int times = 1) {
+    for (int time = 0; time < times; ++time) QTest::keyClick(QApplication::focusWidget(), key);
+    finishMotion();
+  };
+  press(Qt::Key_Tab);
+  press(Qt::Key_Down);
+  EXPECT_EQ(dropdown(*screen), 300);
+  press(Qt::Key_Down);
+  EXPECT_EQ(table->focusedRow(), (IndexPath{0, 0}));
+  // From the last pinned country over the divider, and back.
+  press(Qt::Key_Down, 5);
+  EXPECT_EQ(table->focusedRow(), (IndexPath{6, 0}));
+  press(Qt::Key_Up);
+  EXPECT_EQ(table->focusedRow(), (IndexPath{4, 0}));
+  press(Qt::Key_Return);
+  EXPECT_EQ(screen->selectedCountryCode, "es");
+  EXPECT_EQ(dropdown(*screen), 60);
+
+  // Typing begins at once, and the arrows move through what is found.
+  QTest::keyClicks(QApplication::focusWidget(), "g");
+  finishMotion();
+  QTest::keyClicks(QApplication::focusWidget(), "ge");
+  finishMotion();
+  EXPECT_TRUE(field->isEditing());
+  press(Qt::Key_Down, 2);
+  press(Qt::Key_Return);
+  EXPECT_EQ(screen->selectedCountryCode, codeOf(screen->searchCountries.at(1)));
+  EXPECT_TRUE(screen->chooseButton.lock()->isEnabled());
+}
+
 TEST_F(Flow, AsksForANationality) {
   start();
   const auto screen = top<ChooseCitizenViewController>();
