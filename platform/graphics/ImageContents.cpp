@@ -10,6 +10,7 @@ class BitmapContents : public ImageContents {
  public:
   explicit BitmapContents(std::shared_ptr<const CGImage> image) : image_(std::move(image)) {}
 
+  std::shared_ptr<const CGImage> bitmap() const override { return image_; }
   CGSize size() const override {
     return {static_cast<double>(image_->width()), static_cast<double>(image_->height())};
   }

@@ -26,6 +26,8 @@ class ImageContents {
   ImageContents& operator=(const ImageContents&) = delete;
   virtual ~ImageContents() = default;
 
+  // What is in memory already; null for files and drawings.
+  virtual std::shared_ptr<const CGImage> bitmap() const { return nullptr; }
   // In pixels; of a drawing the size it states.
   virtual CGSize size() const = 0;
   virtual UIImageOrientation orientation() const { return UIImageOrientation::up; }

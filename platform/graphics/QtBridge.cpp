@@ -119,6 +119,16 @@ void QtBridge::paint(const UIImage& image, QPainter& painter, const CGRect& rect
   if (!(width >= 1 && height >= 1 &&
         CGImage::isAllowed(static_cast<std::size_t>(width), static_cast<std::size_t>(height))))
     return;
+  // Small bitmaps, animations among them, are made larger as they are drawn: smooth, and in less
+  // time than a rendition.
+  const auto bitmap = image.uprightBitmap();
+  if (bitmap && double(bitmap->width()) < width && double(bitmap->height()) < height) {
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(place, asQImage(*bitmap));
+    painter.restore();
+    return;
+  }
   const auto pixels =
       image.rendition(static_cast<std::size_t>(width), static_cast<std::size_t>(height));
   if (!pixels) return;

@@ -141,6 +141,11 @@ Result<Done> UIImage::draw(const CGRect& rect, UIGraphicsImageContext& context) 
   return drawn;
 }
 
+std::shared_ptr<const CGImage> UIImage::uprightBitmap() const {
+  const bool isUpright = state_->orientation == UIImageOrientation::up;
+  return isUpright ? state_->contents->bitmap() : nullptr;
+}
+
 Result<std::shared_ptr<const CGImage>> UIImage::rendition(std::size_t width,
                                                           std::size_t height) const {
   const std::lock_guard lock(state_->mutex);

@@ -50,6 +50,8 @@ class UIImage {
   // not decoded is read row by row. After an error the context has no picture to give.
   Result<Done> draw(const CGRect& rect, UIGraphicsImageContext& context) const;
 
+  // The pixels of an upright picture that is in memory; null of any other.
+  std::shared_ptr<const CGImage> uprightBitmap() const;
   // The upright picture at a size in pixels, of which the last one is kept: for screens, which draw
   // it over and over.
   Result<std::shared_ptr<const CGImage>> rendition(std::size_t width, std::size_t height) const;

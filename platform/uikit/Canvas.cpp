@@ -43,15 +43,27 @@ QPainterPath native(const CGPath& path) {
   return result;
 }
 
-// The first `end` of the path's length.
+// The first `end` of the path's length, as short lines: the toolkit takes much longer to cut
+// curves.
 QPainterPath first(const QPainterPath& path, double end) {
   if (end >= 1) return path;
-  constexpr int kSteps = 128;
+  constexpr double kFiner = 8;
+  const auto lines = path.toSubpathPolygons(QTransform::fromScale(kFiner, kFiner));
+  double left = 0;
+  for (const auto& line : lines) {
+    for (qsizetype at = 1; at < line.size(); ++at) left += QLineF(line[at - 1], line[at]).length();
+  }
+  left *= end;
   QPainterPath part;
-  part.moveTo(path.pointAtPercent(0));
-  const int steps = std::max(2, int(std::ceil(kSteps * end)));
-  for (int step = 1; step <= steps; ++step) {
-    part.lineTo(path.pointAtPercent(end * step / steps));
+  for (const auto& line : lines) {
+    if (left <= 0) break;
+    part.moveTo(line.first() / kFiner);
+    for (qsizetype at = 1; at < line.size() && left > 0; ++at) {
+      const QLineF step(line[at - 1], line[at]);
+      const double length = step.length();
+      part.lineTo((length > left ? step.pointAt(left / length) : step.p2()) / kFiner);
+      left -= length;
+    }
   }
   return part;
 }

@@ -151,7 +151,8 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
     return showEnded();
   }
   stage_->layoutIfNeeded();
-  const auto to = Snapshot::of(*view, {{}, view->bounds().size}, coversPresenter());
+  const CGRect whole{{}, view->bounds().size};
+  const auto to = coversPresenter() ? Snapshot::opaque(*view, whole) : Snapshot::of(*view, whole);
   view->setHidden(true);
   stage_->setShare(0);
   stage_->setHidden(false);

@@ -1,6 +1,7 @@
 #include "platform/uikit/Transition.h"
 
 #include <cmath>
+#include <vector>
 
 #include <QtCore/QPointer>
 #include <QtGui/QMouseEvent>
@@ -46,18 +47,55 @@ struct Snapshot::Picture {
   QPixmap pixmap;
 };
 
-std::shared_ptr<const Snapshot> Snapshot::of(const UIView& view, const CGRect& rect,
-                                             bool isOpaque) {
-  auto snapshot = std::make_shared<Snapshot>();
-  snapshot->picture_ = std::make_unique<Picture>();
-  QWidget* widget = view.widget();
-  if (!widget) return snapshot;
+// As many as one motion needs.
+struct SnapshotMemory::Pictures {
+  static constexpr std::size_t kMost = 2;
+  std::vector<QPixmap> pixmaps;
+};
+
+SnapshotMemory::SnapshotMemory() : spare_(std::make_unique<Pictures>()) {}
+SnapshotMemory::~SnapshotMemory() = default;
+
+Snapshot::Snapshot() : picture_(std::make_unique<Picture>()) {}
+
+Snapshot::~Snapshot() {
+  const auto memory = memory_.lock();
+  if (!memory || picture_->pixmap.isNull()) return;
+  auto& pixmaps = memory->spare_->pixmaps;
+  if (pixmaps.size() < SnapshotMemory::Pictures::kMost) {
+    pixmaps.push_back(std::move(picture_->pixmap));
+  }
+}
+
+namespace {
+
+void render(QWidget& widget, const CGRect& rect, Qt::GlobalColor ground, QPixmap& pixmap) {
   const QRect area = QRectF(rect.minX(), rect.minY(), rect.size.width, rect.size.height).toRect();
-  QPixmap pixmap(area.size() * widget->devicePixelRatioF());
-  pixmap.setDevicePixelRatio(widget->devicePixelRatioF());
-  pixmap.fill(isOpaque ? Qt::white : Qt::transparent);
-  widget->render(&pixmap, {}, area, QWidget::DrawChildren);
-  snapshot->picture_->pixmap = std::move(pixmap);
+  const QSize size = area.size() * widget.devicePixelRatioF();
+  if (pixmap.size() != size) pixmap = QPixmap(size);
+  pixmap.setDevicePixelRatio(widget.devicePixelRatioF());
+  pixmap.fill(ground);
+  widget.render(&pixmap, {}, area, QWidget::DrawChildren);
+}
+
+}  // namespace
+
+std::shared_ptr<const Snapshot> Snapshot::of(const UIView& view, const CGRect& rect) {
+  auto snapshot = std::make_shared<Snapshot>();
+  if (view.widget()) render(*view.widget(), rect, Qt::transparent, snapshot->picture_->pixmap);
+  return snapshot;
+}
+
+std::shared_ptr<const Snapshot> Snapshot::opaque(const UIView& view, const CGRect& rect,
+                                                 const std::shared_ptr<SnapshotMemory>& memory) {
+  auto snapshot = std::make_shared<Snapshot>();
+  auto& pixmap = snapshot->picture_->pixmap;
+  if (memory && !memory->spare_->pixmaps.empty()) {
+    pixmap = std::move(memory->spare_->pixmaps.back());
+    memory->spare_->pixmaps.pop_back();
+  }
+  snapshot->memory_ = memory;
+  if (view.widget()) render(*view.widget(), rect, Qt::white, pixmap);
   return snapshot;
 }
 
@@ -67,6 +105,9 @@ class Transition::Cover : public QWidget {
         std::shared_ptr<const Snapshot> from, std::shared_ptr<const Snapshot> to)
       : QWidget(&over), kind_(kind), from_(std::move(from)), to_(std::move(to)) {
     setGeometry(rect);
+    // Nothing below shows: a push and a pop draw every pixel.
+    setAttribute(Qt::WA_OpaquePaintEvent,
+                 cornerRadius <= 0 && (kind == Kind::push || kind == Kind::pop));
     if (cornerRadius > 0) shape_.addRoundedRect(QRectF(this->rect()), cornerRadius, cornerRadius);
     raise();
     show();

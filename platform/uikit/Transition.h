@@ -9,18 +9,41 @@ namespace kestrova::platform {
 
 class UIView;
 
+// The memory of snapshots that have ended, for the next ones of the same size: fresh memory costs
+// more time than the drawing.
+class SnapshotMemory {
+ public:
+  struct Pictures;
+
+  SnapshotMemory();
+  ~SnapshotMemory();
+  SnapshotMemory(const SnapshotMemory&) = delete;
+  SnapshotMemory& operator=(const SnapshotMemory&) = delete;
+
+ private:
+  friend class Snapshot;
+  std::unique_ptr<Pictures> spare_;
+};
+
 // A still picture of a view, as it is on the screen.
 class Snapshot {
  public:
   struct Picture;
 
-  // `rect` in the view's coordinates; on white where `isOpaque`.
-  static std::shared_ptr<const Snapshot> of(const UIView& view, const CGRect& rect,
-                                            bool isOpaque = false);
+  // `rect` in the view's coordinates.
+  static std::shared_ptr<const Snapshot> of(const UIView& view, const CGRect& rect);
+  // On white.
+  static std::shared_ptr<const Snapshot> opaque(const UIView& view, const CGRect& rect,
+                                                const std::shared_ptr<SnapshotMemory>& memory = {});
+  Snapshot();
+  ~Snapshot();
+  Snapshot(const Snapshot&) = delete;
+  Snapshot& operator=(const Snapshot&) = delete;
   const Picture& picture() const { return *picture_; }
 
  private:
   std::unique_ptr<Picture> picture_;
+  std::weak_ptr<SnapshotMemory> memory_;
 };
 
 // Pictures of screens that move over a view and cover it meanwhile; touches end there. Main thread.

@@ -1,5 +1,6 @@
 #include "platform/uikit/UIApplication.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -8,12 +9,14 @@
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QWidget>
 
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/foundation/Print.h"
 #include "platform/uikit/AccessibleView.h"
 #include "platform/uikit/MainLoopPump.h"
 #include "platform/uikit/UIScreen.h"
+#include "platform/uikit/UIView.h"
 
 namespace kestrova::platform {
 
@@ -31,6 +34,18 @@ Attachment& attachment() {
   return attachment;
 }
 
+// The views that outlive the application object keep none of its widgets.
+void deleteWidgets() {
+  const auto ofAView = [](const QWidget* widget) { return UIView::of(widget) != nullptr; };
+  for (;;) {
+    // Anew each time: what was below a widget comes to the top.
+    const auto widgets = QApplication::topLevelWidgets();
+    const auto ours = std::find_if(widgets.begin(), widgets.end(), ofAView);
+    if (ours == widgets.end()) return;
+    delete *ours;
+  }
+}
+
 void applicationGoes() {
   auto& attached = attachment();
   while (!attached.atExit.empty()) {
@@ -40,6 +55,7 @@ void applicationGoes() {
   }
   // The widgets of views that have ended just now.
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  deleteWidgets();
   const auto& shared = UIApplication::shared();
   shared->openSettings = nullptr;
   shared->openPage = nullptr;

@@ -39,7 +39,7 @@ bool isShown(const UIView& view) {
 
 }  // namespace
 
-UINavigationController::UINavigationController() = default;
+UINavigationController::UINavigationController() : memory_(std::make_shared<SnapshotMemory>()) {}
 
 UINavigationController::~UINavigationController() = default;
 
@@ -128,7 +128,7 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
   const bool moves = animated && from && isAppearing() && isShown(*content_);
   const CGRect whole{{}, content_->bounds().size};
   // Before the old screen strips what it shows.
-  const auto old = moves ? Snapshot::of(*content_, whole, true) : nullptr;
+  const auto old = moves ? Snapshot::opaque(*content_, whole, memory_) : nullptr;
   if (from && isAppearing()) from->beginAppearance(false, animated);
   place(to);
   if (isAppearing()) to->beginAppearance(true, animated);
@@ -157,7 +157,7 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
   };
   if (!moves) return end();
   if (from) from->view()->setHidden(true);
-  const auto fresh = Snapshot::of(*content_, whole, true);
+  const auto fresh = Snapshot::opaque(*content_, whole, memory_);
   to->view()->setHidden(true);
   transition_ = Transition::run(*content_, whole, ModalPresentation::cornerRadiusOf(*content_),
                                 forward ? Transition::Kind::push : Transition::Kind::pop, old,

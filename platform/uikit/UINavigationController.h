@@ -7,6 +7,7 @@
 
 namespace kestrova::platform {
 
+class SnapshotMemory;
 class Transition;
 class UINavigationBar;
 class UINavigationController;
@@ -62,6 +63,7 @@ class UINavigationController : public UIViewController {
   std::shared_ptr<UIView> content_;
   std::shared_ptr<UINavigationBar> bar_;
   std::shared_ptr<Transition> transition_;
+  std::shared_ptr<SnapshotMemory> memory_;
 };
 
 }  // namespace kestrova::platform

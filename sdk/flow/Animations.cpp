@@ -1,14 +1,35 @@
 #include "sdk/flow/Animations.h"
 
+#include <functional>
+#include <map>
+#include <string>
+
 #include "platform/uikit/UIImageView.h"
 #include "sdk/media/GIFHelper.h"
 
 namespace kestrova {
 
+namespace {
+
+std::map<std::string, UIImage, std::less<>>& decoded() {
+  static std::map<std::string, UIImage, std::less<>> pictures;
+  return pictures;
+}
+
+}  // namespace
+
+void forgetGIFs() {
+  decoded().clear();
+}
+
 void playGIF(std::string_view name, UIView& container) {
-  const auto picture = UIImageExtensions::gifImageWithName(name);
-  if (!picture) return;
-  const auto imageView = std::make_shared<UIImageView>(*picture);
+  auto found = decoded().find(name);
+  if (found == decoded().end()) {
+    const auto picture = UIImageExtensions::gifImageWithName(name);
+    if (!picture) return;
+    found = decoded().emplace(name, *picture).first;
+  }
+  const auto imageView = std::make_shared<UIImageView>(found->second);
   imageView->setFrame(container.frame());
   // A round container shows a round picture.
   imageView->layer().setCornerRadius(container.layer().cornerRadius());

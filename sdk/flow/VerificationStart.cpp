@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "platform/uikit/UIBindings.h"
+#include "sdk/flow/Animations.h"
 #include "sdk/flow/CheckEmailViewController.h"
 #include "sdk/flow/ChooseCitizenViewController.h"
 #include "sdk/flow/ChooseDocumentTypeViewController.h"
@@ -29,6 +30,10 @@ std::optional<std::size_t> stepOf(const UIViewController& screen) {
 }
 
 }  // namespace
+
+VerificationStart::~VerificationStart() {
+  forgetGIFs();
+}
 
 void VerificationStart::bind(UIBindings& bindings) {
   bindings.outlet("progressSteps", progressSteps);

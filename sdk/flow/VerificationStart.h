@@ -14,6 +14,9 @@ class VerificationStart : public UIViewController, public UINavigationController
  public:
   std::weak_ptr<ProgressStepsView> progressSteps;
 
+  VerificationStart() = default;
+  ~VerificationStart() override;
+
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;
   void prepare(const UIStoryboardSegue& segue,

@@ -11,7 +11,9 @@
 #include "platform/uikit/UIDevice.h"
 #include "platform/uikit/UIKeyboard.h"
 #include "platform/uikit/UIScreen.h"
+#include "platform/uikit/UITextField.h"
 #include "platform/uikit/UIView.h"
+#include "platform/uikit/UIViewController.h"
 #include "tests/platform/uikit/Interface.h"
 
 namespace kestrova::test {
@@ -222,12 +224,22 @@ TEST(ApplicationObject, drainsWhatWasPostedBeforeItWasMadeAndLetsWaitersGoAsItEn
 TEST(ApplicationObject, isMadeAndRunForAHostWithoutOne) {
   static char name[] = "test";
   static char* arguments[] = {name, nullptr};
-  const int status = UIApplication::main(1, arguments, [] {
+  // As a host holds it, in its own main().
+  std::shared_ptr<UIWindow> window;
+  const int status = UIApplication::main(1, arguments, [&window] {
     EXPECT_TRUE(UIApplication::exists());
+    window = UIWindow::make({375, 667});
+    const auto controller = std::make_shared<UIViewController>();
+    controller->view()->addSubview(std::make_shared<UITextField>());
+    window->setRootViewController(controller);
+    window->makeKeyAndVisible();
     QCoreApplication::exit(7);
   });
   EXPECT_EQ(status, 7);
   EXPECT_FALSE(UIApplication::exists());
+  EXPECT_EQ(window->widget(), nullptr);
+  window->setFrame({{}, {320, 568}});
+  window.reset();
 }
 
 }  // namespace
