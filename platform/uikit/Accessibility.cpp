@@ -56,15 +56,34 @@ QWidget* standIn(const UIView& view) {
   return widget->findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
+bool liesWithin(const CGRect& inner, const CGRect& outer) {
+  return inner.size.height > 0 && inner.size.height < outer.size.height &&
+         inner.minX() >= outer.minX() && inner.minY() >= outer.minY() &&
+         inner.maxX() <= outer.maxX() && inner.maxY() <= outer.maxY();
+}
+
+// In the order of the eye: bars that lie over a screen before the screen.
+std::vector<std::shared_ptr<UIView>> inReadingOrder(
+    const std::vector<std::shared_ptr<UIView>>& views) {
+  std::vector<std::shared_ptr<UIView>> order;
+  for (const auto& view : views) {
+    const auto below = std::find_if(order.begin(), order.end(), [&view](const auto& earlier) {
+      return liesWithin(view->frame(), earlier->frame());
+    });
+    order.insert(below, view);
+  }
+  return order;
+}
+
 QList<QWidget*> childrenOf(const UIView& view) {
   QList<QWidget*> children;
   if (isOneObject(view.accessibilityRole())) return children;
-  const auto& subviews = view.subviews();
-  for (auto each = subviews.rbegin(); each != subviews.rend(); ++each) {
-    if (!isWorthTelling(**each)) continue;
-    children.push_front(standIn(**each));
-    // What is presented last covers the rest.
-    if (dynamic_cast<const UIWindow*>(&view)) break;
+  // Of a window what is presented last, which covers the rest.
+  const bool isWindow = dynamic_cast<const UIWindow*>(&view) != nullptr;
+  for (const auto& each : isWindow ? view.subviews() : inReadingOrder(view.subviews())) {
+    if (!isWorthTelling(*each)) continue;
+    if (isWindow) children.clear();
+    children.push_back(standIn(*each));
   }
   return children;
 }

@@ -1,6 +1,9 @@
 // The flow as a user walks through it: real taps and keys on the laid-out screens.
 
+#include <sstream>
+
 #include "platform/uikit/NSLayoutConstraint.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIAlertController.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIButton.h"
@@ -394,6 +397,50 @@ TEST_F(Flow, StoresTheNextStepOfAChosenDocumentAlsoWhenTheFlowIsGone) {
   wrapper->dismiss(false);
   ASSERT_TRUE(waitFor([] { return Kestrova::next_step.has_value(); }));
   EXPECT_EQ(linesThatBegin("chooseAuthenticationDocument response: [").size(), 1U);
+}
+
+// What a screen reader reads, in its order: the texts of the tree, with the state of rows.
+std::vector<std::string> readAloud(const UIWindow& window) {
+  std::vector<std::string> names;
+  std::istringstream tree(accessibilityTree(window));
+  for (std::string line; std::getline(tree, line);) {
+    const auto begin = line.find('"');
+    if (begin == std::string::npos) continue;
+    const auto end = line.find('"', begin + 1);
+    const bool isSelected = line.find(" selected", end) != std::string::npos;
+    names.push_back(line.substr(begin + 1, end - begin - 1) + (isSelected ? ", selected" : ""));
+  }
+  return names;
+}
+
+TEST_F(Flow, ReadsInTheOrderOfTheEye) {
+  using Texts = std::vector<std::string>;
+  start();
+  const auto window = wrapper->presentedViewController()->view()->window();
+  const auto nationality = top<ChooseCitizenViewController>();
+  EXPECT_EQ(readAloud(*window),
+            (Texts{"Step 1 of 6", "Close", "Where are you from?",
+                   "In the next three minutes you take a selfie and "
+                   "photograph your document.",
+                   "Country", "Show the countries", "Countries", nationality->termText, "Next"}));
+  nationality->tapOnArrow(nullptr);
+  finishMotion();
+  auto texts = readAloud(*window);
+  const auto list = std::find(texts.begin(), texts.end(), "Countries");
+  ASSERT_GT(texts.end() - list, 200);
+  EXPECT_EQ(Texts(list + 1, list + 8), (Texts{"United States", "United Kingdom", "Germany",
+                                              "France", "Spain", "All countries", "Afghanistan"}));
+
+  push<CheckEmailViewController>("CheckEmail");
+  EXPECT_EQ(readAloud(*window), (Texts{"Step 2 of 6", "Close", "Back", "What is your e-mail?",
+                                       "We send the result of your verification to this address.",
+                                       "E-mail address", "Next"}));
+  const auto type = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
+  tapRow(dynamic_cast<UITableView&>(*type->children().front()->view()), 1);
+  EXPECT_EQ(readAloud(*window),
+            (Texts{"Step 4 of 6", "Close", "Back", "Choose your document",
+                   "Have it at hand: you photograph it next.", "Documents", "Passport",
+                   "Driving License, selected", "National ID Card", "Next"}));
 }
 
 TEST_F(Flow, EndsWithABadgeAndTheSuccessStep) {
