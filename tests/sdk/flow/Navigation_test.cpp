@@ -50,6 +50,11 @@ class Flow : public test::FlowTest {
   static double dropdown(const ChooseCitizenViewController& screen) {
     return screen.dropdownHeightConstraint.lock()->constant();
   }
+  // Taps the close control, which lies on top of every screen.
+  void close() {
+    click(*wrapper->presentedViewController()->view()->window(), {345, 28});
+    finishMotion();
+  }
   static void chooseFirst(ChooseCitizenViewController& screen) {
     click(*screen.countryTextfield.lock());
     finishMotion();
@@ -474,13 +479,33 @@ TEST_F(Flow, CanBeLeftFromEveryScreenWhileARequestIsUnderWay) {
     nationality->selectedCountryCode = "de";
     nationality->startButton(nullptr);
     if (scene != std::string_view("ChooseCitizen")) push<UIViewController>(scene);
-    const std::weak_ptr<UIViewController> flow = wrapper->presentedViewController();
-    const auto window = wrapper->presentedViewController()->view()->window();
-    // The close control lies on top of every screen.
-    click(*window, {345, 28});
-    finishMotion();
+    close();
     EXPECT_FALSE(wrapper->presentedViewController()) << scene;
   }
+}
+
+TEST_F(Flow, WritesLateAnswersDownAndTouchesNoScreen) {
+  start();
+  const auto nationality = top<ChooseCitizenViewController>();
+  play("slow-bytes:once");
+  nationality->selectedCountryCode = "de";
+  nationality->startButton(nullptr);
+  close();
+  ASSERT_TRUE(waitFor([&] { return !linesThatBegin("setNationality response: [").empty(); }));
+  EXPECT_FALSE(wrapper->presentedViewController());
+
+  start();
+  const auto email = push<CheckEmailViewController>("CheckEmail");
+  play("slow-bytes:once");
+  email->emailAddress = "ada@example.com";
+  email->enterEmailAddress();
+  // The screen is covered and keeps its spinner; the answer hides it and goes nowhere.
+  push<ChooseDocumentTypeViewController>("ChooseDocumentType");
+  ASSERT_TRUE(waitFor([&] { return !linesThatBegin("singup response: [").empty(); }));
+  finishMotion();
+  EXPECT_TRUE(email->spinner.lock()->isHidden());
+  EXPECT_TRUE(top<ChooseDocumentTypeViewController>());
+  EXPECT_EQ(linesThatBegin("Kestrova: the segue \"showTakeSelfieVideo\" is dropped").size(), 1U);
 }
 
 TEST_F(Flow, IsPresentedWhateverTheBackendDoesAndRunsTwice) {
