@@ -10,6 +10,7 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtGui/QGuiApplication>
 
 #include "artwork/AnimatedFile.h"
 #include "artwork/BadgeAnimation.h"
@@ -17,6 +18,7 @@
 #include "artwork/CardAnimation.h"
 #include "artwork/HeadAnimation.h"
 #include "artwork/RoundFlag.h"
+#include "artwork/Specimens.h"
 #include "artwork/WrittenFile.h"
 
 namespace kestrova::artwork {
@@ -54,10 +56,17 @@ int run(std::span<char*> arguments) {
     drawPictures(arguments[2]);
   } else if (word == "flags" && arguments.size() == 5) {
     cutFlags(arguments[2], arguments[3], arguments[4]);
+  } else if (word == "specimens" && arguments.size() == 4) {
+    // The texts need the toolkit's fonts; nothing is shown.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    int count = 1;
+    const QGuiApplication application(count, arguments.data());
+    drawSpecimens(arguments[2], arguments[3]);
   } else {
     std::fputs(
         "usage: kestrova-artwork pictures FOLDER\n"
-        "       kestrova-artwork flags COUNTRIES.json FLAGS FOLDER\n",
+        "       kestrova-artwork flags COUNTRIES.json FLAGS FOLDER\n"
+        "       kestrova-artwork specimens FOLDER TYPEFACES\n",
         stderr);
     return 2;
   }
