@@ -68,9 +68,10 @@ void drawMark(QPainter& painter, const QRectF& area, const QString& family) {
 
 }  // namespace
 
-void drawSpecimen(QPainter& painter, const SpecimenDocument& document, const QString& family) {
-  const QRectF area(QPointF(-document.size.width() / 2, -document.size.height() / 2),
-                    document.size);
+void drawSpecimen(QPainter& painter, const SpecimenDocument& document,
+                  const std::string& typeface) {
+  const QString family = QString::fromStdString(typeface);
+  const QRectF area(-document.width / 2, -document.height / 2, document.width, document.height);
   const QColor band = QColor::fromRgb(document.band);
   painter.save();
   // The shadow on the desk.

@@ -1,9 +1,7 @@
 #pragma once
 
+#include <string>
 #include <vector>
-
-#include <QtCore/QSizeF>
-#include <QtCore/QString>
 
 class QPainter;
 
@@ -18,7 +16,8 @@ struct SpecimenField {
 struct SpecimenDocument {
   const char* title;
   const char* kind;
-  QSizeF size;
+  double width;
+  double height;
   unsigned ground;
   unsigned band;
   bool hasPortrait;
@@ -27,7 +26,6 @@ struct SpecimenDocument {
   std::vector<const char*> machineLines;
 };
 
-// `family` is the typeface.
-void drawSpecimen(QPainter& painter, const SpecimenDocument& document, const QString& family);
+void drawSpecimen(QPainter& painter, const SpecimenDocument& document, const std::string& typeface);
 
 }  // namespace kestrova::artwork

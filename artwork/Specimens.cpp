@@ -18,8 +18,9 @@ namespace kestrova::artwork {
 namespace {
 
 constexpr const char* kCountry = "REPUBLIC OF ALDERMERE";
-constexpr QSizeF kCardSize(1240, 782);      // 85.6 by 54 millimetres
-constexpr QSizeF kPassportSize(1240, 873);  // 125 by 88
+constexpr double kWidth = 1240;
+constexpr double kCardHeight = 782;      // of a card, 85.6 by 54 millimetres
+constexpr double kPassportHeight = 873;  // 125 by 88
 
 void save(const QImage& image, const std::filesystem::path& file) {
   if (!image.save(QString::fromStdString(file.string()), "PNG")) {
@@ -27,19 +28,19 @@ void save(const QImage& image, const std::filesystem::path& file) {
   }
 }
 
-QString registerTypeface(const std::string& typefaces) {
-  QString family;
+std::string registerTypeface(const std::string& typefaces) {
+  std::string family;
   for (const auto* face : {"500Medium/Exo_500Medium.ttf", "600SemiBold/Exo_600SemiBold.ttf",
                            "700Bold/Exo_700Bold.ttf", "900Black/Exo_900Black.ttf"}) {
     const std::string file = typefaces + "/" + face;
     const int found = QFontDatabase::addApplicationFont(QString::fromStdString(file));
     if (found < 0) throw std::runtime_error("cannot read " + file);
-    if (family.isEmpty()) family = "Exo";
+    if (family.empty()) family = "Exo";
   }
   return family;
 }
 
-void drawDocument(const SpecimenDocument& document, const QString& family,
+void drawDocument(const SpecimenDocument& document, const std::string& family,
                   const std::filesystem::path& file) {
   QImage image(1500, 2000, QImage::Format_RGB32);
   QPainter painter(&image);
@@ -82,24 +83,26 @@ void drawFaces(const std::filesystem::path& folder) {
 void drawSpecimens(const std::string& folder, const std::string& typefaces) {
   const std::filesystem::path place(folder);
   std::filesystem::create_directories(place);
-  const QString family = registerTypeface(typefaces);
+  const std::string family = registerTypeface(typefaces);
   const std::vector<SpecimenField> person{
       {"Surname", "WINTER"},        {"Given names", "ADA MARIE"}, {"Date of birth", "14 MAR 1991"},
       {"Nationality", "ALDERMERE"}, {"Document no.", "X0000000"}, {"Valid until", "01 JAN 2031"}};
   const SpecimenDocument documents[] = {
       {kCountry,
        "PASSPORT",
-       kPassportSize,
+       kWidth,
+       kPassportHeight,
        0xF3ECF4,
        0x5B2A5E,
        true,
        person,
        {"P<ALDWINTER<<ADA<MARIE<<<<<<<<<<<<<<<<<<<<<<",
         "X0000000<0ALD9103140F3101018<<<<<<<<<<<<<<00"}},
-      {kCountry, "DRIVING LICENCE", kCardSize, 0xFBEFEF, 0xA23B4E, true, person, {}},
+      {kCountry, "DRIVING LICENCE", kWidth, kCardHeight, 0xFBEFEF, 0xA23B4E, true, person, {}},
       {kCountry,
        "DRIVING LICENCE",
-       kCardSize,
+       kWidth,
+       kCardHeight,
        0xFBEFEF,
        0xA23B4E,
        false,
@@ -108,10 +111,11 @@ void drawSpecimens(const std::string& folder, const std::string& typefaces) {
         {"Class B", "02 JUN 2009"},
         {"Issued by", "CITY OF LOWMERE"}},
        {}},
-      {kCountry, "IDENTITY CARD", kCardSize, 0xEAF3F0, 0x1E5F57, true, person, {}},
+      {kCountry, "IDENTITY CARD", kWidth, kCardHeight, 0xEAF3F0, 0x1E5F57, true, person, {}},
       {kCountry,
        "IDENTITY CARD",
-       kCardSize,
+       kWidth,
+       kCardHeight,
        0xEAF3F0,
        0x1E5F57,
        false,

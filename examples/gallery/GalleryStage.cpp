@@ -1,5 +1,7 @@
 #include "examples/gallery/GalleryStage.h"
 
+#include <cmath>
+
 #include <QtGui/QPixmap>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
@@ -33,7 +35,7 @@ GalleryStage::~GalleryStage() {
 }
 
 void GalleryStage::settle(double seconds) {
-  for (double time = 0; time < seconds; time += kStep) {
+  for (long left = std::lround(std::ceil(seconds / kStep)); left > 0; --left) {
     AnimationClock::shared().advance(kStep);
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
