@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include <QtGui/QAccessible>
+
 #include "platform/uikit/NSLayoutConstraint.h"
 #include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIAlertController.h"
@@ -422,6 +424,8 @@ TEST_F(Flow, ReadsInTheOrderOfTheEye) {
   using Texts = std::vector<std::string>;
   start();
   const auto window = wrapper->presentedViewController()->view()->window();
+  // The host's own widgets are not to be read meanwhile.
+  EXPECT_TRUE(QAccessible::queryAccessibleInterface(window->widget())->state().modal);
   const auto nationality = top<ChooseCitizenViewController>();
   EXPECT_EQ(readAloud(*window),
             (Texts{"Step 1 of 6", "Close", "Where are you from?",
