@@ -94,8 +94,8 @@ int main(int count, char** arguments) {
     return 2;
   }
   if (!options.pictures.empty()) {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ::setenv("QT_SCALE_FACTOR", options.scale.c_str(), 1);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", options.scale.c_str());
   }
   QApplication application(count, arguments);
   if (options.isHostile) gallery::makeHostile(application);

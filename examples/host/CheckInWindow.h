@@ -16,6 +16,8 @@ class CheckInWindow : public QWidget {
  public:
   CheckInWindow();
   ~CheckInWindow() override;
+  CheckInWindow(const CheckInWindow&) = delete;
+  CheckInWindow& operator=(const CheckInWindow&) = delete;
 
   // The hotel's style sheet and typeface, for the whole application.
   static void applyHouseStyle();

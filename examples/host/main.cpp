@@ -41,8 +41,8 @@ int main(int count, char** arguments) {
     return 2;
   }
   if (drawsPictures) {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ::setenv("QT_SCALE_FACTOR", "2", 1);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", "2");
   }
   QApplication application(count, arguments);
   application.setApplicationDisplayName("Hotel Calyra");

@@ -56,6 +56,7 @@ class Stage {
     auto flow = makeFlow();
     if (!flow) {
       std::fprintf(stderr, "%s\n", flow.error().localizedDescription.c_str());
+      // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread.
       std::exit(1);
     }
     wrapper_->present(flow.value(), false);
@@ -69,6 +70,8 @@ class Stage {
     settle(0.5);
   }
   ~Stage() { wrapper_->dismiss(false); }
+  Stage(const Stage&) = delete;
+  Stage& operator=(const Stage&) = delete;
 
   template <typename Screen>
   Screen& screen() {
@@ -186,8 +189,8 @@ int main(int count, char** arguments) {
     return 2;
   }
   const std::string wanted = count > 2 ? arguments[2] : "";
-  ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  ::setenv("QT_SCALE_FACTOR", "2", 0);
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) qputenv("QT_SCALE_FACTOR", "2");
   QApplication application(count, arguments);
   UIFontExtensions::loadMyFonts();
   AnimationClock::shared().useManualTime();

@@ -148,6 +148,10 @@ std::shared_ptr<const CGImage> UIImage::uprightBitmap() const {
 
 Result<std::shared_ptr<const CGImage>> UIImage::rendition(std::size_t width,
                                                           std::size_t height) const {
+  if (auto bitmap = uprightBitmap();
+      bitmap && bitmap->width() == width && bitmap->height() == height) {
+    return bitmap;
+  }
   const std::lock_guard lock(state_->mutex);
   auto& kept = state_->rendition;
   if (kept && kept->width() == width && kept->height() == height) return kept;

@@ -73,13 +73,13 @@ void CurlTransport::send(HTTPRequest request, Completion completion) {
   {
     const std::lock_guard lock(mutex_);
     if (!thread_ && multi_) thread_ = WorkerThread::start("kestrova-http", [this] { run(); });
-    if (thread_) arrived_.push_back(std::move(transfer));
+    if (thread_) {
+      arrived_.push_back(std::move(transfer));
+      curl_multi_wakeup(multi_.get());
+      return;
+    }
   }
-  if (transfer) {
-    transfer->fail(unavailable("The system has no thread for the transport."));
-    return;
-  }
-  curl_multi_wakeup(multi_.get());
+  transfer->fail(unavailable("The system has no thread for the transport."));
 }
 
 void CurlTransport::run() {

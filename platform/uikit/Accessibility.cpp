@@ -99,8 +99,9 @@ class ViewObject : public QAccessibleWidget {
   QAccessible::Role role() const override {
     const auto of = view();
     if (!of) return QAccessible::NoRole;
-    if (dynamic_cast<const UIWindow*>(of.get())) {
-      return widget()->isWindow() ? QAccessible::Window : QAccessible::Dialog;
+    if (const auto* const window = dynamic_cast<const UIWindow*>(of.get())) {
+      if (widget()->isWindow()) return QAccessible::Window;
+      return window->isInsideForm() ? QAccessible::Grouping : QAccessible::Dialog;
     }
     const auto role = of->accessibilityRole();
     const auto* const found = std::find_if(kRoles.begin(), kRoles.end(),
@@ -127,6 +128,9 @@ class ViewObject : public QAccessibleWidget {
     state.selectable = of->accessibilityRole() == UIAccessibilityRole::listItem;
     state.selected = of->isAccessibilitySelected();
     state.busy = of->accessibilityRole() == UIAccessibilityRole::busy;
+    // What lies below cannot be used meanwhile, the host's own widgets among it.
+    const auto* const window = dynamic_cast<const UIWindow*>(of.get());
+    state.modal = window && !window->isInsideForm() && !widget()->isWindow();
     return state;
   }
 

@@ -123,6 +123,8 @@ void AnimationClock::fire(double until) {
     const double time = state_->manual ? std::max(*state_->manual, first->due) : until;
     if (state_->manual) state_->manual = time;
     entries.erase(first);
+    // A loop that the tick opens goes on with the others.
+    schedule();
     const auto next = (*tick)(time);
     if (next) state_->entries.push_back({std::max(*next, time + 0.001), tick});
   }
@@ -134,7 +136,10 @@ void AnimationClock::schedule() {
   for (const auto& entry : state_->entries) {
     if (!entry.tick.expired()) due = std::min(due, entry.due);
   }
-  if (due == kNever) return;
+  if (due == kNever) {
+    if (state_->alarm) state_->alarm->stop();
+    return;
+  }
   if (!state_->alarm) {
     if (!QCoreApplication::instance()) return;
     state_->alarm = std::make_unique<Alarm>([this] {

@@ -17,6 +17,7 @@ struct NativePainter;
 class Canvas {
  public:
   explicit Canvas(NativePainter& painter) : painter_(painter) {}
+  ~Canvas() = default;
   Canvas(const Canvas&) = delete;
   Canvas& operator=(const Canvas&) = delete;
 

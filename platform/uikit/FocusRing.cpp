@@ -88,7 +88,9 @@ class FocusRing::Ring : public QWidget {
 
  private:
   // After the event that moves things.
-  void later() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+  void later() {
+    QCoreApplication::postEvent(this, std::make_unique<QEvent>(QEvent::User).release());
+  }
 
   void follow() {
     const auto view = isWanted_ && window_ ? focusedView(*window_) : nullptr;
@@ -120,13 +122,15 @@ class FocusRing::Ring : public QWidget {
 
 // The toolkit deletes the ring with the window's widget.
 struct FocusRing::Owned {
+  explicit Owned(UIWindow& window) : ring(std::make_unique<Ring>(window).release()) {}
+  ~Owned() { const std::unique_ptr<Ring> last(ring); }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+
   QPointer<Ring> ring;
-  ~Owned() { delete ring; }
 };
 
-FocusRing::FocusRing(UIWindow& window) : owned_(std::make_unique<Owned>()) {
-  owned_->ring = new Ring(window);
-}
+FocusRing::FocusRing(UIWindow& window) : owned_(std::make_unique<Owned>(window)) {}
 
 FocusRing::~FocusRing() = default;
 

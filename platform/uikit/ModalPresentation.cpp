@@ -104,12 +104,21 @@ class ModalPresentation::Stage : public UIView {
 ModalPresentation::ModalPresentation(const std::shared_ptr<UIViewController>& presenter,
                                      const std::shared_ptr<UIViewController>& presented,
                                      const std::shared_ptr<UIWindow>& window, bool isOwnWindow)
-    : presenter_(presenter), presented_(presented), window_(window), isOwnWindow_(isOwnWindow) {}
+    : presenter_(presenter),
+      ofHost_(isOwnWindow ? presenter : nullptr),
+      presented_(presented),
+      window_(window),
+      ownWindow_(isOwnWindow ? window : nullptr) {}
 
 ModalPresentation::~ModalPresentation() = default;
 
 bool ModalPresentation::coversPresenter() const {
   return presented_->modalPresentationStyle == UIModalPresentationStyle::fullScreen;
+}
+
+QWidget* ModalPresentation::windowWidget() const {
+  const auto window = window_.lock();
+  return window ? window->widget() : nullptr;
 }
 
 bool ModalPresentation::isCard() const {
@@ -119,7 +128,9 @@ bool ModalPresentation::isCard() const {
 void ModalPresentation::show(bool animated, std::function<void()> completion) {
   const auto self = shared_from_this();
   const auto presenter = presenter_.lock();
-  restoreFocus_ = focusToRestore(window_->widget());
+  const auto window = window_.lock();
+  isComing_ = true;
+  restoreFocus_ = focusToRestore(window->widget());
   if (completion) pending_.push_back(std::move(completion));
 
   stage_ = std::make_shared<Stage>();
@@ -127,26 +138,29 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
   stage_->isLowest = !below;
   stage_->hasGround = coversPresenter();
   // Over the place of the presenter, which fills the window where it is no card itself.
-  stage_->isWhole = stage_->isLowest && presented_->modalPresentationStyle ==
-                                            UIModalPresentationStyle::overCurrentContext;
+  stage_->isWhole = presented_->fillsWindow() ||
+                    (stage_->isLowest && presented_->modalPresentationStyle ==
+                                             UIModalPresentationStyle::overCurrentContext);
   stage_->fillSuperview();
-  stage_->setFrame({{}, window_->bounds().size});
+  stage_->setFrame({{}, window->bounds().size});
   if (stage_->isLowest) UIScreen::main().setBounds(stage_->place());
-  if (isOwnWindow_) window_->setPresentedForHost(presented_);
+  if (ownWindow_) ownWindow_->setPresentedForHost(presented_);
   const auto view = presented_->view();
   view->setFrame(stage_->place());
   // Not seen before everything is in its place.
   stage_->setHidden(true);
   stage_->setScreen(view);
-  window_->addSubview(stage_);
+  window->addSubview(stage_);
   stage_->layoutIfNeeded();
+  // Keys are no longer for what lies below.
+  if (window->widget()) window->widget()->setFocus(Qt::OtherFocusReason);
 
   if (coversPresenter()) presenter->beginAppearance(false, animated);
   presented_->beginAppearance(true, animated);
-  if (!window_->widget()) return abandon();
+  if (!window->widget()) return abandon();
 
   const CGRect place = stage_->place();
-  if (!animated || !window_->widget()->isVisible()) {
+  if (!animated || !window->widget()->isVisible()) {
     stage_->setHidden(false);
     return showEnded();
   }
@@ -164,39 +178,51 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
       [weak = std::weak_ptr<ModalPresentation>(self)] {
         if (const auto alive = weak.lock()) alive->showEnded();
       });
+  isComing_ = false;
 }
 
 void ModalPresentation::showEnded() {
   const auto self = shared_from_this();
   const auto finished = std::exchange(transition_, nullptr);
+  isComing_ = false;
+  isTelling_ = true;
   stage_->setShare(1);
   presented_->view()->setHidden(false);
-  if (window_->widget()) window_->widget()->setFocus(Qt::OtherFocusReason);
+  if (QWidget* const widget = windowWidget()) widget->setFocus(Qt::OtherFocusReason);
   presented_->endAppearance();
   if (const auto presenter = presenter_.lock(); presenter && coversPresenter()) {
     presenter->endAppearance();
   }
+  isTelling_ = false;
   runPending();
 }
 
 void ModalPresentation::dismiss(bool animated, std::function<void()> completion) {
   const auto self = shared_from_this();
-  if (completion) pending_.push_back(std::move(completion));
-  if (isBeingDismissed_) return;
+  if (isComing_ || isTelling_) {
+    pending_.push_back([weak = std::weak_ptr<ModalPresentation>(self), animated,
+                        completion = std::move(completion)]() mutable {
+      if (const auto alive = weak.lock()) alive->dismiss(animated, std::move(completion));
+    });
+    return;
+  }
   // A motion that is under way ends where it leads.
-  if (const auto moving = transition_) moving->finish();
+  if (const auto moving = isBeingDismissed_ ? nullptr : transition_) moving->finish();
+  if (completion) pending_.push_back(std::move(completion));
   if (isDown_) return runPending();
+  if (isBeingDismissed_) return;
   isBeingDismissed_ = true;
-  const bool visible = window_->widget() && window_->widget()->isVisible();
+  const auto window = window_.lock();
+  const bool visible = windowWidget() && windowWidget()->isVisible();
   const bool moves = animated && visible;
   const CGRect place = stage_->place();
-  const auto from = moves ? Snapshot::of(*window_, place) : nullptr;
+  const auto from = moves ? Snapshot::of(*window, place) : nullptr;
 
   presented_->beginAppearance(false, animated);
   takeAwayAbove();
   const auto presenter = presenter_.lock();
   if (coversPresenter() && presenter) presenter->beginAppearance(true, animated);
-  if (!moves || !window_->widget()) return dismissEnded();
+  if (!moves || !windowWidget()) return dismissEnded();
   presented_->view()->setHidden(true);
   const bool fades = presented_->modalTransitionStyle == UIModalTransitionStyle::crossDissolve;
   transition_ = Transition::run(
@@ -231,8 +257,9 @@ void ModalPresentation::takeAway() {
   const auto presenter = presenter_.lock();
   if (presenter && presenter->presentation_.get() == this) presenter->presentation_.reset();
   if (stage_->isLowest) UIScreen::main().setBounds(std::nullopt);
-  if (isOwnWindow_) window_->close();
+  if (ownWindow_) ownWindow_->close();
   if (restoreFocus_) restoreFocus_();
+  ofHost_.reset();
 }
 
 void ModalPresentation::dismissEnded() {
@@ -249,6 +276,8 @@ void ModalPresentation::abandon() {
   const auto self = shared_from_this();
   if (isDown_) return;
   transition_.reset();
+  isComing_ = false;
+  isTelling_ = false;
   isBeingDismissed_ = true;
   presented_->beginAppearance(false, false);
   takeAwayAbove();

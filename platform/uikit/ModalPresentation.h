@@ -6,6 +6,8 @@
 
 #include "platform/graphics/CGGeometry.h"
 
+class QWidget;
+
 namespace kestrova::platform {
 
 class Transition;
@@ -35,12 +37,12 @@ class ModalPresentation : public std::enable_shared_from_this<ModalPresentation>
 
   const std::shared_ptr<UIViewController>& presented() const { return presented_; }
   std::shared_ptr<UIViewController> presenter() const { return presenter_.lock(); }
-  const std::shared_ptr<UIWindow>& window() const { return window_; }
-  bool isMoving() const { return transition_ != nullptr; }
+  bool isMoving() const { return isComing_ || transition_; }
   bool isBeingDismissed() const { return isBeingDismissed_; }
 
   void show(bool animated, std::function<void()> completion);
-  // With everything that is presented above.
+  // With everything that is presented above. While the screens are told that it comes, this waits
+  // until they are.
   void dismiss(bool animated, std::function<void()> completion);
   // Ends at once: the window is gone.
   void abandon();
@@ -51,6 +53,7 @@ class ModalPresentation : public std::enable_shared_from_this<ModalPresentation>
   class Stage;
 
   bool coversPresenter() const;
+  QWidget* windowWidget() const;
   bool isCard() const;
   void showEnded();
   void dismissEnded();
@@ -59,13 +62,20 @@ class ModalPresentation : public std::enable_shared_from_this<ModalPresentation>
   void runPending();
 
   std::weak_ptr<UIViewController> presenter_;
+  // The controller around a host's widget, which nobody else may keep.
+  std::shared_ptr<UIViewController> ofHost_;
   std::shared_ptr<UIViewController> presented_;
-  std::shared_ptr<UIWindow> window_;
-  bool isOwnWindow_;
+  // Null once it is given up.
+  std::weak_ptr<UIWindow> window_;
+  // The same where it covers a host's widget.
+  std::shared_ptr<UIWindow> ownWindow_;
   std::shared_ptr<Stage> stage_;
   std::shared_ptr<Transition> transition_;
   std::vector<std::function<void()>> pending_;
   std::function<void()> restoreFocus_;
+  // While show() arranges everything, and while the end of the motion is told.
+  bool isComing_ = false;
+  bool isTelling_ = false;
   bool isBeingDismissed_ = false;
   bool isDown_ = false;
 };

@@ -40,6 +40,8 @@ class NSLayoutConstraint {
   // What the layout has at this moment, and what it moves to.
   double shown_;
   double target_ = shown_;
+  // Counts the changes of the target.
+  unsigned motion_ = 0;
   std::weak_ptr<UIView> view_;
 };
 

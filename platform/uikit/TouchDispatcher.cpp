@@ -86,7 +86,7 @@ void TouchDispatcher::ended(CGPoint point, long long milliseconds) {
     return;
   }
   const UITouch end = touch(point, hit);
-  if (recognizer) {
+  if (recognizer && recognizer->isEnabled() && recognizer->view()) {
     if (owner) owner->touchesCancelled(end);
     recognizer->recognize(end);
   } else if (owner) {

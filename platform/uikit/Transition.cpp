@@ -179,8 +179,14 @@ class Transition::Cover : public QWidget {
 
 // The toolkit deletes the cover with the widget it lies on.
 struct Transition::Owned {
+  Owned() = default;
+  ~Owned() { end(); }
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+
+  void end() { const std::unique_ptr<Cover> last(cover); }
+
   QPointer<Cover> cover;
-  ~Owned() { delete cover; }
 };
 
 Transition::Transition() : owned_(std::make_unique<Owned>()) {}
@@ -197,8 +203,9 @@ std::shared_ptr<Transition> Transition::run(UIView& over, const CGRect& rect, do
   std::shared_ptr<Transition> transition(new Transition);
   transition->completion_ = std::move(completion);
   const QRect place = QRectF(rect.minX(), rect.minY(), rect.size.width, rect.size.height).toRect();
-  transition->owned_->cover =
-      new Cover(*over.widget(), place, cornerRadius, kind, std::move(from), std::move(to));
+  transition->owned_->cover = std::make_unique<Cover>(*over.widget(), place, cornerRadius, kind,
+                                                      std::move(from), std::move(to))
+                                  .release();
   if (step) step(0);
   const double duration = durationOf(kind);
   const double start = AnimationClock::shared().now();
@@ -225,7 +232,7 @@ std::shared_ptr<Transition> Transition::run(UIView& over, const CGRect& rect, do
 Transition::~Transition() = default;
 
 void Transition::finish() {
-  delete owned_->cover;
+  owned_->end();
   motion_.reset();
   if (const auto completion = std::exchange(completion_, nullptr)) completion();
 }

@@ -42,7 +42,7 @@ void deleteWidgets() {
     const auto widgets = QApplication::topLevelWidgets();
     const auto ours = std::find_if(widgets.begin(), widgets.end(), ofAView);
     if (ours == widgets.end()) return;
-    delete *ours;
+    const std::unique_ptr<QWidget> last(*ours);
   }
 }
 

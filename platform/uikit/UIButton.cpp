@@ -6,10 +6,11 @@
 
 #include <QtWidgets/QWidget>
 
+#include "platform/graphics/NSAttributedString.h"
 #include "platform/graphics/NSLayoutManager.h"
-#include "platform/graphics/NSTextStorage.h"
 #include "platform/uikit/AccessibleView.h"
 #include "platform/uikit/Canvas.h"
+#include "platform/uikit/TextLine.h"
 #include "platform/uikit/UILabel.h"
 
 namespace kestrova::platform {
@@ -18,7 +19,6 @@ namespace {
 
 // Between the image and the title, points.
 constexpr double kGap = 8;
-constexpr double kUnbounded = 1e6;
 constexpr double kPressed = 0.08;
 
 UIColor darker(const UIColor& color) {
@@ -97,21 +97,15 @@ void UIButton::setEnabled(bool enabled) {
 }
 
 void UIButton::lay(NSLayoutManager& manager, double width) const {
-  NSTextStorage(NSAttributedString(title_, {titleFont_, drawnColor_, NSTextAlignment::left}))
-      .addLayoutManager(manager);
-  NSTextContainer container;
-  container.size = {width, kUnbounded};
-  container.lineFragmentPadding = 0;
-  container.maximumNumberOfLines = 1;
-  container.lineBreakMode = NSLineBreakMode::byTruncatingTail;
-  manager.addTextContainer(container);
+  const NSAttributedString text(title_, {titleFont_, drawnColor_, NSTextAlignment::left});
+  TextLine::lay(text, width, manager);
 }
 
 CGSize UIButton::sizeThatFits(CGSize) const {
   CGSize content;
   if (!title_.empty()) {
     NSLayoutManager manager;
-    lay(manager, kUnbounded);
+    lay(manager, TextLine::kUnbounded);
     content = manager.usedRect().size;
   }
   if (image_) {

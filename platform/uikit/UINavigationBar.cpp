@@ -1,8 +1,9 @@
 #include "platform/uikit/UINavigationBar.h"
 
+#include "platform/graphics/NSAttributedString.h"
 #include "platform/graphics/NSLayoutManager.h"
-#include "platform/graphics/NSTextStorage.h"
 #include "platform/uikit/Canvas.h"
+#include "platform/uikit/TextLine.h"
 #include "platform/uikit/UIBezierPath.h"
 #include "platform/uikit/UIControl.h"
 
@@ -98,15 +99,10 @@ void UINavigationBar::draw(Canvas& canvas) {
   if (item_.title.empty()) return;
   const UIFont font = UIFont::make("Exo-SemiBold", kTitleSize)
                           .value_or(UIFont::systemFont(kTitleSize, UIFont::kSemiboldWeight));
-  NSTextStorage text(NSAttributedString(item_.title, {font, kInk, NSTextAlignment::center}));
-  NSLayoutManager manager;
-  text.addLayoutManager(manager);
   const double margin = kSide + kTarget;
-  NSTextContainer container;
-  container.size = {size.width - 2 * margin, size.height};
-  container.lineFragmentPadding = 0;
-  container.maximumNumberOfLines = 1;
-  manager.addTextContainer(container);
+  NSLayoutManager manager;
+  TextLine::lay(NSAttributedString(item_.title, {font, kInk, NSTextAlignment::center}),
+                size.width - 2 * margin, manager);
   const double height = manager.usedRect().size.height;
   canvas.draw(manager, {margin, (size.height - height) / 2});
 }

@@ -106,7 +106,7 @@ void UINavigationController::pushViewController(const std::shared_ptr<UIViewCont
 std::shared_ptr<UIViewController> UINavigationController::popViewController(bool animated) {
   finishMotion();
   if (stack_.size() < 2) return nullptr;
-  const auto from = stack_.back();
+  auto from = stack_.back();
   stack_.pop_back();
   exchange(from, stack_.back(), false, animated);
   return from;
@@ -130,24 +130,23 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
   // Before the old screen strips what it shows.
   const auto old = moves ? Snapshot::opaque(*content_, whole, memory_) : nullptr;
   if (from && isAppearing()) from->beginAppearance(false, animated);
+  // Who is told may have put another screen on top.
+  if (topViewController() != to) return leave(from);
   place(to);
   if (isAppearing()) to->beginAppearance(true, animated);
+  if (topViewController() != to) return leave(from);
   itemChanged();
   content_->layoutIfNeeded();
 
-  auto end = [weak = std::weak_ptr<UINavigationController>(self), from, to, forward, animated] {
+  auto end = [weak = std::weak_ptr<UINavigationController>(self), from, to, animated] {
     const auto alive = weak.lock();
     if (!alive) return;
     const auto finished = std::exchange(alive->transition_, nullptr);
     to->view()->setHidden(false);
-    if (from) {
-      from->view()->removeFromSuperview();
-      from->view()->setHidden(false);
-      from->endAppearance();
-      if (!forward) from->removeFromParent();
-    }
+    alive->leave(from);
     // Before the screen appears, which may give the focus to one of its fields.
-    if (const auto window = alive->viewIfLoaded()->window(); window && window->widget()) {
+    const auto window = alive->viewIfLoaded()->window();
+    if (window && window->widget() && !alive->presentedViewController()) {
       window->widget()->setFocus(Qt::OtherFocusReason);
     }
     to->endAppearance();
@@ -164,8 +163,24 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
                                 fresh, {}, std::move(end));
 }
 
+// What has come in its place is there.
+void UINavigationController::leave(const std::shared_ptr<UIViewController>& screen) {
+  if (!screen) return;
+  screen->view()->removeFromSuperview();
+  screen->view()->setHidden(false);
+  screen->endAppearance();
+  const bool isInStack = std::find(stack_.begin(), stack_.end(), screen) != stack_.end();
+  if (!isInStack) screen->removeFromParent();
+}
+
+void UINavigationController::viewDidDisappear(bool animated) {
+  UIViewController::viewDidDisappear(animated);
+  finishMotion();
+}
+
 void UINavigationController::finishMotion() {
-  if (const auto moving = transition_) moving->finish();
+  // Whoever is told of the end may begin another.
+  while (const auto moving = transition_) moving->finish();
 }
 
 }  // namespace kestrova::platform

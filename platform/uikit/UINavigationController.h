@@ -27,6 +27,8 @@ class UINavigationController : public UIViewController {
  public:
   UINavigationController();
   ~UINavigationController() override;
+  UINavigationController(const UINavigationController&) = delete;
+  UINavigationController& operator=(const UINavigationController&) = delete;
 
   std::weak_ptr<UINavigationControllerDelegate> delegate;
 
@@ -49,6 +51,8 @@ class UINavigationController : public UIViewController {
 
   void loadView() override;
   void viewDidLoad() override;
+  // A push or pop under way ends.
+  void viewDidDisappear(bool animated) override;
 
  protected:
   std::vector<std::shared_ptr<UIViewController>> childrenOnDisplay() const override;
@@ -57,6 +61,7 @@ class UINavigationController : public UIViewController {
   void place(const std::shared_ptr<UIViewController>& controller);
   void exchange(const std::shared_ptr<UIViewController>& from,
                 const std::shared_ptr<UIViewController>& to, bool forward, bool animated);
+  void leave(const std::shared_ptr<UIViewController>& screen);
   void finishMotion();
 
   std::vector<std::shared_ptr<UIViewController>> stack_;

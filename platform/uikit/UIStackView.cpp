@@ -9,9 +9,8 @@ namespace kestrova::platform {
 
 namespace {
 
-bool beginsWithSpace(const QLayoutItem& part) {
-  const QLayout* const inside =
-      part.widget() ? part.widget()->layout() : const_cast<QLayoutItem&>(part).layout();
+bool beginsWithSpace(QLayoutItem& part) {
+  const QLayout* const inside = part.widget() ? part.widget()->layout() : part.layout();
   return inside && inside->count() > 0 && inside->itemAt(0)->spacerItem() &&
          (inside->itemAt(0)->expandingDirections() & Qt::Vertical);
 }

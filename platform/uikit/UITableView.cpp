@@ -289,8 +289,12 @@ void UITableView::moveFocusedRow(int by) {
   const auto stops = [&](long long row) {
     return !asked || asked->tableViewShouldHighlightRowAt(*this, rows_.indexPath(std::size_t(row)));
   };
-  while (target >= 0 && target < count && !stops(target)) target += by > 0 ? 1 : -1;
-  if (target >= 0 && target < count) focusRow(std::size_t(target));
+  // The delegate that is asked may have reloaded the table.
+  const auto exists = [this](long long row) {
+    return row >= 0 && row < static_cast<long long>(rows_.count());
+  };
+  while (exists(target) && !stops(target)) target += by > 0 ? 1 : -1;
+  if (exists(target)) focusRow(std::size_t(target));
 }
 
 void UITableView::selectFocusedRow() {

@@ -13,12 +13,14 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
+#include "platform/graphics/NSAttributedString.h"
 #include "platform/graphics/NSLayoutManager.h"
-#include "platform/graphics/NSTextStorage.h"
 #include "platform/uikit/AccessibleView.h"
 #include "platform/uikit/Canvas.h"
+#include "platform/uikit/HostStyle.h"
 #include "platform/uikit/TextEdit.h"
 #include "platform/uikit/TextFieldLook.h"
+#include "platform/uikit/TextLine.h"
 #include "platform/uikit/UIKeyboard.h"
 #include "platform/uikit/UITouch.h"
 #include "platform/uikit/UIWindow.h"
@@ -28,7 +30,6 @@ namespace kestrova::platform {
 namespace {
 
 constexpr double kLeastHeight = 44;
-constexpr double kUnbounded = 1e6;
 
 std::weak_ptr<UITextField>& editedField() {
   static std::weak_ptr<UITextField> field;
@@ -144,11 +145,19 @@ class UITextField::Editor : public QLineEdit {
   }
 
  protected:
+  bool event(QEvent* event) override {
+    const bool used = withoutHostStyle(*this, *event, [&] { return QLineEdit::event(event); });
+    if (event->type() == QEvent::StyleChange && field_) field_->layoutSubviews();
+    return used;
+  }
+
   void keyPressEvent(QKeyEvent* event) override {
     const auto field = field_ ? shared(field_) : nullptr;
     if (!field) return QLineEdit::keyPressEvent(event);
     const auto asked = field->delegate.lock();
     const auto key = listKey(*event);
+    // One that is held presses once.
+    if (event->isAutoRepeat() && isPlainEnter(*event)) return;
     if (asked && !key.empty() && asked->textFieldKeyPressed(*field, key)) return;
     if (field->isEditing()) {
       if (!isPlainEnter(*event)) return QLineEdit::keyPressEvent(event);
@@ -419,14 +428,8 @@ void UITextField::tapped() {
 }
 
 void UITextField::lay(NSLayoutManager& manager, const std::string& text, double width) const {
-  NSTextStorage(NSAttributedString(text, {font_, placeholderColor_, NSTextAlignment::left}))
-      .addLayoutManager(manager);
-  NSTextContainer container;
-  container.size = {width, kUnbounded};
-  container.lineFragmentPadding = 0;
-  container.maximumNumberOfLines = 1;
-  container.lineBreakMode = NSLineBreakMode::byTruncatingTail;
-  manager.addTextContainer(container);
+  const NSAttributedString line(text, {font_, placeholderColor_, NSTextAlignment::left});
+  TextLine::lay(line, width, manager);
 }
 
 void UITextField::draw(Canvas& canvas) {
@@ -446,7 +449,7 @@ CGSize UITextField::sizeThatFits(CGSize) const {
   CGSize needed;
   for (const auto* const text : {&text_, &placeholder_}) {
     NSLayoutManager manager;
-    lay(manager, *text, kUnbounded);
+    lay(manager, *text, TextLine::kUnbounded);
     const CGSize used = manager.usedRect().size;
     needed = {std::max(needed.width, used.width), std::max(needed.height, used.height)};
   }

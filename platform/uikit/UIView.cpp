@@ -1,6 +1,7 @@
 #include "platform/uikit/UIView.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <stdexcept>
 
@@ -76,6 +77,15 @@ std::string nameOf(const QKeyEvent& event) {
   }
 }
 
+// What presses, leaves or chooses.
+constexpr std::array<std::string_view, 4> kPresses{"Space", "Return", "Escape", "Back"};
+
+// Nothing goes through a window that covers the host to what lies below.
+bool keepsKeys(const UIView* view) {
+  const auto* const window = dynamic_cast<const UIWindow*>(view);
+  return window && !window->isInsideForm();
+}
+
 // What an animation block has asked for.
 struct Animation {
   double duration;
@@ -93,12 +103,17 @@ class UIView::Widget : public QWidget {
 
   ~Widget() override {
     if (!view_) return;
-    // The toolkit deletes it with a host's window: the views below stay whole.
-    for (const auto& subview : view_->subviews_) {
-      if (subview->widget_) subview->widget_->moveTo(nullptr);
-    }
-    UIView& view = *view_;
+    UIView& view = *std::exchange(view_, nullptr);
+    const auto alive = view.weak_from_this().lock();
     view.widget_ = nullptr;
+    // The toolkit deletes it with a host's window: the views below stay whole. What they are told
+    // as they leave the screen may lead anywhere.
+    const auto subviews = view.subviews_;
+    for (const auto& subview : subviews) {
+      if (subview->widget_ && subview->widget_->parentWidget() == this) {
+        subview->widget_->moveTo(nullptr);
+      }
+    }
     view.widgetLost();
   }
 
@@ -171,9 +186,7 @@ class UIView::Widget : public QWidget {
       view_->applyFrame();
     }
     // Keys belong to the window that covers the host, not to the host's shortcuts.
-    if (event->type() == QEvent::ShortcutOverride && dynamic_cast<UIWindow*>(view_)) {
-      event->accept();
-    }
+    if (event->type() == QEvent::ShortcutOverride && keepsKeys(view_)) event->accept();
     return used;
   }
 
@@ -200,9 +213,18 @@ class UIView::Widget : public QWidget {
   void keyPressEvent(QKeyEvent* event) override {
     const std::string key = nameOf(*event);
     const auto alive = view_ ? view_->shared_from_this() : nullptr;
-    const bool used = alive && !key.empty() && view_->keyPressed(key);
-    // Nothing goes through a window of ours to the host below it.
-    event->setAccepted(used || (alive && dynamic_cast<UIWindow*>(alive.get())));
+    // A key that is held presses once; it moves on through lists and texts.
+    const bool isHeld =
+        event->isAutoRepeat() && std::find(kPresses.begin(), kPresses.end(), key) != kPresses.end();
+    const bool used = alive && !key.empty() && (isHeld || view_->keyPressed(key));
+    event->setAccepted(used || (alive && keepsKeys(static_cast<UIView*>(alive.get()))));
+  }
+  void keyReleaseEvent(QKeyEvent* event) override { event->setAccepted(keepsKeys(view_)); }
+
+  // By the desktop.
+  void closeEvent(QCloseEvent* event) override {
+    QWidget::closeEvent(event);
+    if (auto* const window = dynamic_cast<UIWindow*>(view_)) window->close();
   }
 
   void focusInEvent(QFocusEvent* event) override {
@@ -270,6 +292,7 @@ UIView::~UIView() {
   for (const auto& subview : subviews_) {
     subview->superview_ = nullptr;
     if (subview->widget_) subview->widget_->moveTo(nullptr);
+    subview->notifyWindow();
   }
   if (!widget_) return;
   widget_->forget();
@@ -572,16 +595,17 @@ void UIView::settleConstraints() {
     const double target = constraint->constant_;
     if (constraint->target_ == target) continue;
     constraint->target_ = target;
+    const unsigned motion = ++constraint->motion_;
     if (!current || current->duration <= 0) {
       constraint->shown_ = target;
       apply(*constraint);
       continue;
     }
     current->steps.push_back([weak = std::weak_ptr<NSLayoutConstraint>(constraint),
-                              from = constraint->shown_, target](double share) {
+                              from = constraint->shown_, target, motion](double share) {
       const auto alive = weak.lock();
       // A later change has taken over.
-      if (!alive || alive->target_ != target) return;
+      if (!alive || alive->motion_ != motion) return;
       alive->shown_ = share < 1 ? from + (target - from) * share : target;
       apply(*alive);
       if (const auto view = alive->view_.lock()) view->top().layoutTree();
@@ -623,7 +647,11 @@ void UIView::addGestureRecognizer(const std::shared_ptr<UIGestureRecognizer>& re
 }
 
 void UIView::removeGestureRecognizer(const UIGestureRecognizer& recognizer) {
-  std::erase_if(gestureRecognizers_, [&](const auto& each) { return each.get() == &recognizer; });
+  const auto found = std::find_if(gestureRecognizers_.begin(), gestureRecognizers_.end(),
+                                  [&](const auto& each) { return each.get() == &recognizer; });
+  if (found == gestureRecognizers_.end()) return;
+  (*found)->view_.reset();
+  gestureRecognizers_.erase(found);
 }
 
 std::shared_ptr<UIView> UIView::hitTest(CGPoint point) {

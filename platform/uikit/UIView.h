@@ -57,6 +57,8 @@ class UIView : public UIResponder {
   UIView();
   explicit UIView(const CGRect& frame);
   ~UIView() override;
+  UIView(const UIView&) = delete;
+  UIView& operator=(const UIView&) = delete;
 
   // In the superview's coordinates. Fractions are kept; the widget lies on whole points. Where a
   // layout of the storyboard places the view, the layout's rectangle is the frame.
@@ -65,6 +67,8 @@ class UIView : public UIResponder {
   // The origin is what the subviews are moved by; scroll views use it.
   CGRect bounds() const;
   void setBoundsOrigin(CGPoint origin);
+  // Pixels of a point, on the screen where the view is.
+  double contentScaleFactor() const;
   CGPoint center() const;
   void setCenter(CGPoint center);
   // `point` of this view in the coordinates of `view`, of the window where null. Both must have the

@@ -102,7 +102,7 @@ void UIViewController::embedChildren() {
 }
 
 std::shared_ptr<UIResponder> UIViewController::next() const {
-  if (const auto presenter = presentingViewController()) return presenter;
+  if (const auto presentation = presentedBy_.lock()) return presentation->presenter();
   if (view_) return view_->superview();
   if (wrapped_) return UIApplication::shared();
   return nullptr;

@@ -28,6 +28,8 @@ class UIViewController : public UIResponder {
  public:
   UIViewController();
   ~UIViewController() override;
+  UIViewController(const UIViewController&) = delete;
+  UIViewController& operator=(const UIViewController&) = delete;
 
   // Stands for a widget of a host, over whose window others can be presented. The widget stays the
   // host's and may go at any time; nothing is presented then. A view of ours inside the widget has
@@ -71,6 +73,8 @@ class UIViewController : public UIResponder {
   // request while another one moves waits for it. `completion` follows the end of the motion.
   UIModalPresentationStyle modalPresentationStyle = UIModalPresentationStyle::fullScreen;
   UIModalTransitionStyle modalTransitionStyle = UIModalTransitionStyle::coverVertical;
+  // Whether the screen takes the whole window when it is presented where others have a card.
+  virtual bool fillsWindow() const { return false; }
   std::shared_ptr<UIViewController> presentedViewController() const;
   std::shared_ptr<UIViewController> presentingViewController() const;
   bool isBeingDismissed() const;

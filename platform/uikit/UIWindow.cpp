@@ -51,6 +51,8 @@ class UIWindow::HostWatch : public QObject {
 
 UIWindow::UIWindow(Kind kind) : kind_(kind), touches_(std::make_unique<TouchDispatcher>(*this)) {
   UIApplication::exists();
+  // Whatever a host's language is: the screens are drawn that way.
+  widget()->setLayoutDirection(Qt::LeftToRight);
 }
 
 UIWindow::~UIWindow() = default;
@@ -65,6 +67,8 @@ std::shared_ptr<UIWindow> UIWindow::make(CGSize size) {
 
 std::shared_ptr<UIWindow> UIWindow::over(QWidget& host) {
   auto window = std::make_shared<UIWindow>(Kind::over);
+  // Nothing goes through to the host: no button of a mouse, wheel, menu or finger.
+  window->widget()->setAttribute(Qt::WA_NoMousePropagation);
   window->watch_ = std::make_unique<HostWatch>(*window, *host.window());
   window->focusRing_ = std::make_unique<FocusRing>(*window);
   return window;
@@ -80,6 +84,7 @@ std::shared_ptr<UIWindow> UIWindow::inside(QWidget& placeholder) {
 void UIWindow::setRootViewController(const std::shared_ptr<UIViewController>& controller) {
   const bool visible = widget() && widget()->isVisible();
   if (root_) {
+    if (root_->presentedViewController()) root_->dismiss(false);
     if (visible) root_->beginAppearance(false, false);
     root_->view()->removeFromSuperview();
     if (visible) root_->endAppearance();
@@ -135,12 +140,19 @@ void UIWindow::widgetLost() {
 
 namespace {
 
-// Whether something else lies over the middle of the view, as an overlay does.
+// Whether something else lies over the middle of the view, as an overlay does. Of one that is
+// scrolled out of sight it is the scroll view that counts.
 bool isCovered(const UIView& view) {
   const auto window = view.window();
   const CGSize size = view.bounds().size;
   const CGPoint middle{view.bounds().origin.x + size.width / 2,
                        view.bounds().origin.y + size.height / 2};
+  for (auto above = view.superview(); above; above = above->superview()) {
+    const auto* const scrollView = dynamic_cast<const UIScrollView*>(above.get());
+    if (scrollView && !scrollView->bounds().contains(view.convert(middle, scrollView))) {
+      return isCovered(*scrollView);
+    }
+  }
   const auto hit = window ? window->hitTest(view.convert(middle, nullptr)) : nullptr;
   return hit && !hit->isDescendant(view) && !view.isDescendant(*hit);
 }

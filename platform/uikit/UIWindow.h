@@ -20,6 +20,8 @@ class UIWindow : public UIView {
   // Fills `placeholder`, a widget in a host's form.
   static std::shared_ptr<UIWindow> inside(QWidget& placeholder);
   ~UIWindow() override;
+  UIWindow(const UIWindow&) = delete;
+  UIWindow& operator=(const UIWindow&) = delete;
 
   // Fills the window. Loaded at once; appears when the window is shown.
   const std::shared_ptr<UIViewController>& rootViewController() const { return root_; }
@@ -48,6 +50,9 @@ class UIWindow : public UIView {
   // Gives the keyboard's focus to the next focusable view (the one before where not `forward`) of
   // what is on top here, in reading order and round the end.
   bool moveFocus(bool forward);
+
+  // Whether keys that nobody here has used go on to the host's form.
+  bool isInsideForm() const { return kind_ == Kind::inside; }
 
   enum class Kind { own, over, inside };
   explicit UIWindow(Kind kind);

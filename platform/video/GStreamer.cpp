@@ -13,8 +13,9 @@ Result<Done> startGStreamer() {
   static std::mutex mutex;
   const std::lock_guard lock(mutex);
   if (gst_is_initialized()) return Done{};
-  // The plugins are looked through in this process, which forks no helper.
-  gst_registry_fork_set_enabled(FALSE);
+  // Where the framework has no list of its plugins yet it looks through them in a child process.
+  // That stays so: in this one they would leave hundreds of libraries, threads, and an ignored
+  // SIGPIPE behind.
   GError* failure = nullptr;
   if (gst_init_check(nullptr, nullptr, &failure)) return Done{};
   std::string why = failure ? failure->message : "unknown reason";

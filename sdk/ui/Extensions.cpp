@@ -66,8 +66,9 @@ NSAttributedString StringExtensions::format(const std::vector<std::string>& stri
 }
 
 std::string capitalizingFirstLetter(std::string_view text) {
-  const auto first = firstCharacter(text);
-  return uppercased(first) + lowercased(text.substr(first.size()));
+  // Lower-cased as a whole: what precedes a letter may decide on its form.
+  const std::string lower = lowercased(text);
+  return uppercased(firstCharacter(text)) + lower.substr(firstCharacter(lower).size());
 }
 
 void capitalizeFirstLetter(std::string& text) {
@@ -94,12 +95,8 @@ std::size_t indexOfAttributedTextCharacterAtPoint(const UILabel& label, CGPoint 
   const NSTextStorage storage(*text);
   NSLayoutManager manager;
   storage.addLayoutManager(manager);
-  NSTextContainer container;
-  container.size = label.frame().size;
-  container.lineFragmentPadding = 0;
-  container.maximumNumberOfLines = label.numberOfLines();
-  container.lineBreakMode = label.lineBreakMode();
-  manager.addTextContainer(container);
+  // What the label is drawn in.
+  manager.addTextContainer(label.textContainer());
   return manager.characterIndex(point);
 }
 

@@ -242,6 +242,21 @@ TEST(ApplicationObject, isMadeAndRunForAHostWithoutOne) {
   window.reset();
 }
 
+TEST(ApplicationObject, endsWithItsLastWindow) {
+  static char name[] = "test";
+  static char* arguments[] = {name, nullptr};
+  std::shared_ptr<UIWindow> window;
+  const int status = UIApplication::main(1, arguments, [&window] {
+    window = UIWindow::make({375, 667});
+    window->setRootViewController(std::make_shared<UIViewController>());
+    window->makeKeyAndVisible();
+    DispatchQueue::main().async([&window] { window->widget()->close(); });
+    DispatchQueue::main().asyncAfter(std::chrono::seconds(10), [] { QCoreApplication::exit(9); });
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_FALSE(window->rootViewController()->isAppearing());
+}
+
 }  // namespace
 
 }  // namespace kestrova::test

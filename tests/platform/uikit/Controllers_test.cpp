@@ -16,35 +16,14 @@
 #include "platform/uikit/UIStoryboardScene.h"
 #include "platform/uikit/UIWindow.h"
 #include "tests/platform/uikit/Interface.h"
+#include "tests/platform/uikit/RecordingScreen.h"
 #include "tests/support/StandardOutput.h"
 
 namespace kestrova::platform {
 namespace {
 
-using Calls = std::vector<std::string>;
-
-// Writes down what it is told.
-class Screen : public UIViewController {
- public:
-  Screen(std::string name, Calls& calls) : name_(std::move(name)), calls_(calls) {}
-
-  void viewDidLoad() override { note("didLoad"); }
-  void viewWillAppear(bool) override {
-    widthAtAppearance = view()->bounds().size.width;
-    note("willAppear");
-  }
-  void viewDidAppear(bool) override { note("didAppear"); }
-  void viewWillDisappear(bool) override { note("willDisappear"); }
-  void viewDidDisappear(bool) override { note("didDisappear"); }
-
-  double widthAtAppearance = 0;
-
- private:
-  void note(const char* what) { calls_.push_back(name_ + " " + what); }
-
-  std::string name_;
-  Calls& calls_;
-};
+using test::Calls;
+using Screen = test::RecordingScreen;
 
 class Controllers : public test::Interface {
  protected:
@@ -280,6 +259,18 @@ TEST_F(Controllers, LetActionsTravelUpTheResponderChain) {
   EXPECT_EQ(heard, (Calls{"outer", "inner"}));
   EXPECT_EQ(inner->view()->next(), inner);
   EXPECT_EQ(outer->view()->next(), outer);
+
+  // On its way from a screen inside a presented one it passes that one.
+  const auto leaf = screen("leaf");
+  const auto container = screen("container");
+  container->addChild(leaf);
+  container->view()->addSubview(leaf->view());
+  window->makeKeyAndVisible();
+  inner->present(container, false);
+  container->setActions({{"leave:", [&](const auto&) { heard.push_back("container"); }}});
+  EXPECT_TRUE(leaf->view()->tryToPerform("leave:", nullptr));
+  EXPECT_EQ(heard.back(), "container");
+  EXPECT_EQ(container->next(), outer);
 
   // A view below a widget that the host has wrapped finds the host's controller.
   QWidget host;

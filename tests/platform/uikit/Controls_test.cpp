@@ -2,6 +2,7 @@
 #include <memory>
 #include <vector>
 
+#include <QtGui/QKeyEvent>
 #include <QtGui/QPointingDevice>
 #include <QtWidgets/QVBoxLayout>
 
@@ -238,6 +239,40 @@ TEST_F(ButtonTest, isTappedByPointerKeysAndNothingElse) {
   click(*button);
   key(Qt::Key_Space);
   EXPECT_EQ(tapped.size(), 3U);
+}
+
+TEST_F(ButtonTest, isTappedOnceByAKeyThatIsHeld) {
+  const auto button = make({{20, 20}, {100, 50}});
+  button->becomeFocused();
+  for (const auto held : {Qt::Key_Return, Qt::Key_Space}) {
+    tapped.clear();
+    key(held);
+    for (int repeat = 0; repeat < 3; ++repeat) {
+      QKeyEvent event(QEvent::KeyPress, held, {}, "\r", true);
+      QApplication::sendEvent(button->widget(), &event);
+      EXPECT_TRUE(event.isAccepted());
+    }
+    EXPECT_EQ(tapped.size(), 1U);
+  }
+}
+
+TEST_F(ButtonTest, leavesATouchToNoRecogniserThatHasGoneMeanwhile) {
+  const auto ground = place(std::make_shared<UIView>(), {{0, 0}, {200, 200}});
+  int taps = 0;
+  const auto recognizer =
+      std::make_shared<UITapGestureRecognizer>([&](UITapGestureRecognizer&) { ++taps; });
+  ground->addGestureRecognizer(recognizer);
+  click(*ground);
+  EXPECT_EQ(taps, 1);
+  press(*ground, {10, 10});
+  recognizer->setEnabled(false);
+  release(*ground, {10, 10});
+  recognizer->setEnabled(true);
+  press(*ground, {10, 10});
+  ground->removeGestureRecognizer(*recognizer);
+  EXPECT_EQ(recognizer->view(), nullptr);
+  release(*ground, {10, 10});
+  EXPECT_EQ(taps, 1);
 }
 
 TEST_F(ButtonTest, isTappedByAFinger) {

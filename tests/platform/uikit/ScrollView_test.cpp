@@ -240,6 +240,27 @@ TEST_F(ScrollView, KeysOfAFocusedViewInItMoveItAndTabShowsWhatItReaches) {
   EXPECT_EQ(watch(*view).back(), 540);
 }
 
+TEST_F(ScrollView, TabReachesWhatIsScrolledAwayToBelowAnotherView) {
+  const auto view = scrollView();
+  const auto far = std::make_shared<Button>();
+  far->setFrame({{0, 330}, {100, 40}});
+  view->addSubview(far);
+  // Where the button would be if the scroll view were higher.
+  const auto bar = place(std::make_shared<UIView>(), {{0, 400}, {375, 200}});
+  const auto below = std::make_shared<Button>();
+  below->setFrame({{50, 100}, {100, 40}});
+  bar->addSubview(below);
+  key(Qt::Key_Tab);
+  ASSERT_TRUE(far->isFocused());
+  EXPECT_EQ(watch(*view).back(), 70);
+  key(Qt::Key_Tab);
+  EXPECT_TRUE(below->isFocused());
+  // A scroll view that is covered whole has nothing to reach.
+  place(std::make_shared<UIView>(), {{0, 0}, {375, 400}});
+  key(Qt::Key_Tab);
+  EXPECT_TRUE(below->isFocused());
+}
+
 TEST_F(ScrollView, ItsBarShowsWhileItMovesAndNothingTicksAfterwards) {
   const auto view = scrollView();
   view->setBackgroundColor(UIColor::white());

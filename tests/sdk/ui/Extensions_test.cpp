@@ -34,6 +34,8 @@ TEST_F(Extensions, CapitaliseTheFirstLetterAlone) {
                                     "COLE"),
             "\xC3\x89"
             "cole");
+  // The last letter of a word has a form of its own.
+  EXPECT_EQ(capitalizingFirstLetter("\u0391\u03A3"), "\u0391\u03C2");
   std::string text = "aBC";
   capitalizeFirstLetter(text);
   EXPECT_EQ(text, "Abc");
@@ -63,7 +65,8 @@ TEST_F(Extensions, FindTheCharacterUnderATapInWrappedText) {
   const std::string words = "one two three four five six seven eight nine ten";
   label->setAttributedText(
       StringExtensions::format({"eight"}, UIFont::boldSystemFont(14), UIColor::blue(), words));
-  // What is drawn in blue is where the lookup finds the emphasised word.
+  // What is drawn in blue, the lines wide apart, is where the lookup finds the emphasised word.
+  label->setLineHeight(30);
   const QImage image = picture(*label);
   const auto wanted = rangeOf(words, "eight");
   int hits = 0;
