@@ -100,6 +100,8 @@ Animation* current = nullptr;
 class UIView::Widget : public QWidget {
  public:
   explicit Widget(UIView& view) : view_(&view) { setFocusPolicy(Qt::NoFocus); }
+  Widget(const Widget&) = delete;
+  Widget& operator=(const Widget&) = delete;
 
   ~Widget() override {
     if (!view_) return;
@@ -284,7 +286,7 @@ UIView::UIView(const CGRect& frame) : UIView(std::make_unique<CALayer>()) {
 
 UIView::UIView(std::unique_ptr<CALayer> layer) : layer_(std::move(layer)) {
   if (!UIApplication::exists()) throw std::logic_error("a view needs the application object");
-  widget_ = new Widget(*this);
+  widget_ = std::make_unique<Widget>(*this).release();
   layer_->setOnChange([this] { setNeedsDisplay(); });
 }
 
@@ -347,6 +349,10 @@ void UIView::setBoundsOrigin(CGPoint origin) {
   }
 }
 
+double UIView::contentScaleFactor() const {
+  return widget_ ? widget_->devicePixelRatioF() : 1;
+}
+
 CGPoint UIView::center() const {
   const CGRect rect = frame();
   return {rect.midX(), rect.midY()};
@@ -382,6 +388,8 @@ void UIView::insertSubview(const std::shared_ptr<UIView>& view, std::size_t inde
 }
 
 void UIView::place(const std::shared_ptr<UIView>& view, std::size_t index) {
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be an entry of a list
+  // below.
   const std::shared_ptr<UIView> held = view;
   const CGRect frame = held->frame();
   held->removeFromSuperview();
@@ -439,14 +447,19 @@ UIView& UIView::top() {
   return *view;
 }
 
+const UIView& UIView::top() const {
+  const UIView* view = this;
+  while (view->superview_) view = view->superview_;
+  return *view;
+}
+
 std::shared_ptr<UIWindow> UIView::window() const {
-  UIView& highest = const_cast<UIView*>(this)->top();
-  auto* window = dynamic_cast<UIWindow*>(&highest);
-  return window ? shared(window) : nullptr;
+  const auto highest = std::const_pointer_cast<UIResponder>(top().weak_from_this().lock());
+  return std::dynamic_pointer_cast<UIWindow>(highest);
 }
 
 bool UIView::isInWindowNow() const {
-  return dynamic_cast<UIWindow*>(&const_cast<UIView*>(this)->top()) != nullptr;
+  return dynamic_cast<const UIWindow*>(&top()) != nullptr;
 }
 
 void UIView::notifyWindow() {
@@ -528,7 +541,8 @@ void UIView::autoresize(CGSize superview) {
 
 void UIView::setNeedsLayout() {
   needsLayout_ = true;
-  if (widget_) QCoreApplication::postEvent(widget_, new QEvent(QEvent::LayoutRequest));
+  if (!widget_) return;
+  QCoreApplication::postEvent(widget_, std::make_unique<QEvent>(QEvent::LayoutRequest).release());
 }
 
 void UIView::layoutIfNeeded() {

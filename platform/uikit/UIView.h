@@ -224,6 +224,7 @@ class UIView : public UIResponder {
 
   void autoresize(CGSize superview);
   UIView& top();
+  const UIView& top() const;
   bool isInWindowNow() const;
   void notifyWindow();
   void layoutPass();

@@ -46,7 +46,7 @@ std::shared_ptr<UIViewController> UIViewController::wrapping(QWidget& widget) {
 std::shared_ptr<UIViewController> UIViewController::wrapper(const QWidget* widget) {
   for (; widget; widget = widget->parentWidget()) {
     for (const auto& weak : wrappers()) {
-      const auto controller = weak.lock();
+      auto controller = weak.lock();
       if (controller && controller->wrapped_->widget == widget) return controller;
     }
   }
@@ -109,6 +109,8 @@ std::shared_ptr<UIResponder> UIViewController::next() const {
 }
 
 void UIViewController::addChild(const std::shared_ptr<UIViewController>& child) {
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be an entry of a list
+  // below.
   const auto held = child;
   held->removeFromParent();
   held->parent_ = shared(this);
@@ -135,24 +137,24 @@ void UIViewController::setNavigationItem(const UINavigationItem& item) {
   if (const auto navigation = navigationController()) navigation->itemChanged();
 }
 
-UIViewController& UIViewController::root() {
-  UIViewController* controller = this;
+const UIViewController& UIViewController::root() const {
+  const UIViewController* controller = this;
   while (const auto above = controller->parent()) controller = above.get();
   return *controller;
 }
 
 std::shared_ptr<UIViewController> UIViewController::presentedViewController() const {
-  const auto& presentation = const_cast<UIViewController*>(this)->root().presentation_;
+  const auto& presentation = root().presentation_;
   return presentation ? presentation->presented() : nullptr;
 }
 
 std::shared_ptr<UIViewController> UIViewController::presentingViewController() const {
-  const auto presentation = const_cast<UIViewController*>(this)->root().presentedBy_.lock();
+  const auto presentation = root().presentedBy_.lock();
   return presentation ? presentation->presenter() : nullptr;
 }
 
 bool UIViewController::isBeingDismissed() const {
-  const auto presentation = const_cast<UIViewController*>(this)->root().presentedBy_.lock();
+  const auto presentation = root().presentedBy_.lock();
   return presentation && presentation->isBeingDismissed();
 }
 
@@ -163,8 +165,8 @@ std::shared_ptr<UIWindow> UIViewController::windowForPresenting() {
 
 void UIViewController::present(const std::shared_ptr<UIViewController>& controller, bool animated,
                                std::function<void()> completion) {
-  UIViewController& base = root();
-  if (&base != this) return base.present(controller, animated, std::move(completion));
+  if (const auto above = parent())
+    return above->present(controller, animated, std::move(completion));
   const auto self = shared(this);
   // A motion under way comes to its end first.
   const auto own = presentedBy_.lock();
@@ -201,11 +203,10 @@ void UIViewController::present(const std::shared_ptr<UIViewController>& controll
 }
 
 void UIViewController::dismiss(bool animated, std::function<void()> completion) {
-  UIViewController& base = root();
-  if (const auto above = base.presentation_) {
-    return above->dismiss(animated, std::move(completion));
-  }
-  if (const auto own = base.presentedBy_.lock()) own->dismiss(animated, std::move(completion));
+  if (const auto above = parent()) return above->dismiss(animated, std::move(completion));
+  // Held: it may end meanwhile.
+  const auto own = presentation_ ? presentation_ : presentedBy_.lock();
+  if (own) own->dismiss(animated, std::move(completion));
 }
 
 bool UIViewController::isVisibleTop() const {

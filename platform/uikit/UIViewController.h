@@ -122,7 +122,7 @@ class UIViewController : public UIResponder {
 
   void embedChildren();
   bool isVisibleTop() const;
-  UIViewController& root();
+  const UIViewController& root() const;
   std::shared_ptr<UIWindow> windowForPresenting();
 
   std::shared_ptr<UIView> view_;
