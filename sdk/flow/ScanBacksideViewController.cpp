@@ -1,33 +1,47 @@
 #include "sdk/flow/ScanBacksideViewController.h"
 
+#include "platform/dispatch/DispatchQueue.h"
+#include "platform/foundation/Print.h"
 #include "platform/uikit/UIBindings.h"
-#include "sdk/flow/Animations.h"
-#include "sdk/ui/SpinnerView.h"
+#include "sdk/backend/API.h"
+#include "sdk/flow/NextStep.h"
+#include "sdk/flow/Segues.h"
+#include "sdk/media/VideoPhotoCaptureHelper.h"
 
 namespace kestrova {
 
 void ScanBacksideViewController::bind(UIBindings& bindings) {
-  bindings.outlet("IDGIFCointainer", IDGIFCointainer);
-  bindings.outlet("loadingView", loadingView);
-  bindings.outlet("spinner", spinner);
+  DocumentCaptureViewController::bind(bindings);
   bindings.action("takePhotoOfBacksideDocument:", shared(this),
                   &ScanBacksideViewController::takePhotoOfBacksideDocument);
 }
 
-void ScanBacksideViewController::viewWillAppear(bool animated) {
-  UIViewController::viewWillAppear(animated);
-  playIDGIF();
+void ScanBacksideViewController::takePhotoOfBacksideDocument(const std::shared_ptr<UIControl>&) {
+  VideoPhotoCaptureHelper::startScanBackDocument(shared(this), mediaUI);
 }
 
-void ScanBacksideViewController::playIDGIF() {
-  if (const auto container = IDGIFCointainer.lock()) playGIF("IDGIF", *container);
+void ScanBacksideViewController::uploadBackSideScan(const std::filesystem::path& url) {
+  const auto keys = keysOrError(Segues::showErrorScreenfromScanIDBackside);
+  if (!keys) return;
+  API::recordAuthenticationDocumentPicBACK(
+      url, keys->apiKey, keys->authentication_key,
+      [weak = std::weak_ptr(shared(this)), keys = *keys](const JSONDictionary&) {
+        const auto alive = weak.lock();
+        if (!alive) return;
+        alive->performSegue(Segues::showFinalCongratsAfterBackSide, alive);
+        alive->recordStepInBackend(keys.apiKey, keys.authentication_key);
+      });
 }
 
-void ScanBacksideViewController::viewWillDisappear(bool animated) {
-  UIViewController::viewWillDisappear(animated);
-  if (const auto container = IDGIFCointainer.lock()) removeSubviews(*container);
+void ScanBacksideViewController::recordStepInBackend(const std::string& apiKey,
+                                                     const std::string& authentication_key) {
+  DispatchQueue::global(DispatchQoS::background).async([apiKey, authentication_key] {
+    API::checkAuthenticationDocumentPicBACK(
+        apiKey, authentication_key, [](const JSONDictionary& answer) {
+          print("checkAuthenticationDocumentPicBACK response: " + description(answer));
+          storeNextStep(answer);
+        });
+  });
 }
-
-void ScanBacksideViewController::takePhotoOfBacksideDocument(const std::shared_ptr<UIControl>&) {}
 
 }  // namespace kestrova

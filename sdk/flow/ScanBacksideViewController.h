@@ -1,26 +1,22 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
-#include "platform/uikit/UIViewController.h"
-#include "sdk/Platform.h"
+#include "sdk/flow/DocumentCaptureViewController.h"
 
 namespace kestrova {
 
-class SpinnerView;
-
-class ScanBacksideViewController : public UIViewController {
+// Where the back of the document is photographed.
+class ScanBacksideViewController : public DocumentCaptureViewController {
  public:
-  std::weak_ptr<UIView> IDGIFCointainer;
-  std::weak_ptr<UIView> loadingView;
-  std::weak_ptr<SpinnerView> spinner;
-
   void bind(UIBindings& bindings) override;
-  void viewWillAppear(bool animated) override;
-  void viewWillDisappear(bool animated) override;
   void takePhotoOfBacksideDocument(const std::shared_ptr<UIControl>& sender);
-  void playIDGIF();
+  void uploadBackSideScan(const std::filesystem::path& url);
+  void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
+
+ protected:
+  std::string_view fileName() const override { return "pictureBackside.png"; }
+  void upload(const std::filesystem::path& url) override { uploadBackSideScan(url); }
 };
 
 }  // namespace kestrova

@@ -1,34 +1,50 @@
 #include "sdk/flow/ScanIDInstructionsViewController.h"
 
+#include "platform/dispatch/DispatchQueue.h"
+#include "platform/foundation/Print.h"
 #include "platform/uikit/UIBindings.h"
-#include "sdk/flow/Animations.h"
-#include "sdk/ui/SpinnerView.h"
+#include "sdk/backend/API.h"
+#include "sdk/flow/NextStep.h"
+#include "sdk/flow/Segues.h"
+#include "sdk/media/VideoPhotoCaptureHelper.h"
 
 namespace kestrova {
 
 void ScanIDInstructionsViewController::bind(UIBindings& bindings) {
-  bindings.outlet("IDGIFCointainer", IDGIFCointainer);
-  bindings.outlet("loadingView", loadingView);
-  bindings.outlet("spinner", spinner);
+  DocumentCaptureViewController::bind(bindings);
   bindings.action("takePhotoOfFrontDocument:", shared(this),
                   &ScanIDInstructionsViewController::takePhotoOfFrontDocument);
 }
 
-void ScanIDInstructionsViewController::viewWillAppear(bool animated) {
-  UIViewController::viewWillAppear(animated);
-  playIDGIF();
-}
-
-void ScanIDInstructionsViewController::playIDGIF() {
-  if (const auto container = IDGIFCointainer.lock()) playGIF("IDGIF", *container);
-}
-
-void ScanIDInstructionsViewController::viewWillDisappear(bool animated) {
-  UIViewController::viewWillDisappear(animated);
-  if (const auto container = IDGIFCointainer.lock()) removeSubviews(*container);
-}
-
 void ScanIDInstructionsViewController::takePhotoOfFrontDocument(const std::shared_ptr<UIControl>&) {
+  VideoPhotoCaptureHelper::startScanFrontDocument(shared(this), mediaUI);
+}
+
+void ScanIDInstructionsViewController::uploadFrontPicDocument(const std::filesystem::path& url) {
+  const auto keys = keysOrError(Segues::showErrorScreenfromScanID);
+  if (!keys) return;
+  API::recordAuthenticationDocumentPicFRONT(
+      url, keys->apiKey, keys->authentication_key,
+      [weak = std::weak_ptr(shared(this)), keys = *keys](const JSONDictionary&) {
+        const auto alive = weak.lock();
+        if (!alive) return;
+        alive->recordStepInBackend(keys.apiKey, keys.authentication_key);
+        alive->performSegue(alive->selectedDocumentType == "PASSPORT"
+                                ? Segues::showCongratsScreen
+                                : Segues::scanBackSideOfDocument,
+                            alive);
+      });
+}
+
+void ScanIDInstructionsViewController::recordStepInBackend(const std::string& apiKey,
+                                                           const std::string& authentication_key) {
+  DispatchQueue::global(DispatchQoS::background).async([apiKey, authentication_key] {
+    API::checkAuthenticationDocumentPicFRONT(
+        apiKey, authentication_key, [](const JSONDictionary& answer) {
+          print("checkAuthenticationDocumentPicFRONT response: " + description(answer));
+          storeNextStep(answer);
+        });
+  });
 }
 
 }  // namespace kestrova

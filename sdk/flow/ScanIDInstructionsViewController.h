@@ -1,28 +1,25 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
-#include "platform/uikit/UIViewController.h"
-#include "sdk/Platform.h"
+#include "sdk/flow/DocumentCaptureViewController.h"
 
 namespace kestrova {
 
-class SpinnerView;
-
-class ScanIDInstructionsViewController : public UIViewController {
+// Where the front of the document is photographed.
+class ScanIDInstructionsViewController : public DocumentCaptureViewController {
  public:
-  std::weak_ptr<UIView> IDGIFCointainer;
-  std::weak_ptr<UIView> loadingView;
-  std::weak_ptr<SpinnerView> spinner;
   // The backend's name of the document; set before the screen is shown.
   std::string selectedDocumentType;
 
   void bind(UIBindings& bindings) override;
-  void viewWillAppear(bool animated) override;
-  void viewWillDisappear(bool animated) override;
   void takePhotoOfFrontDocument(const std::shared_ptr<UIControl>& sender);
-  void playIDGIF();
+  void uploadFrontPicDocument(const std::filesystem::path& url);
+  void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
+
+ protected:
+  std::string_view fileName() const override { return "picture.png"; }
+  void upload(const std::filesystem::path& url) override { uploadFrontPicDocument(url); }
 };
 
 }  // namespace kestrova

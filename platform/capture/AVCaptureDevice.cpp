@@ -1,0 +1,86 @@
+#include "platform/capture/AVCaptureDevice.h"
+
+#include <atomic>
+#include <utility>
+
+#include "platform/capture/CameraSession.h"
+#include "platform/capture/PictureCamera.h"
+#include "platform/capture/V4L2Device.h"
+#include "platform/capture/VideoCamera.h"
+#include "platform/dispatch/DispatchQueue.h"
+#include "platform/video/AVVideoSettings.h"
+
+namespace kestrova::platform {
+
+namespace {
+
+using Position = AVCaptureDevice::Position;
+
+// How often a configuration was set, and in which of them access was granted.
+std::atomic<unsigned> configuration = 1;
+std::atomic<unsigned> granted = 0;
+
+// Empty where the configuration names no camera there, or one that is not there.
+CameraConfiguration::Maker named(const std::filesystem::path& path,
+                                 const CameraConfiguration::Maker& source) {
+  if (source) return source;
+  std::error_code none;
+  if (path.empty() || !std::filesystem::exists(path, none)) return {};
+  return [path]() -> std::unique_ptr<CameraSource> {
+    if (V4L2Device::isDevice(path)) return VideoCamera::device(path);
+    if (PictureCamera::canShow(path)) return std::make_unique<PictureCamera>(path);
+    return VideoCamera::file(path);
+  };
+}
+
+CameraConfiguration::Maker found(Position position) {
+  if (V4L2Device::cameras().empty()) return {};
+  return [isFront = position == Position::front] { return VideoCamera::system(isFront); };
+}
+
+CameraConfiguration::Maker makerFor(const CameraConfiguration& cameras, Position position) {
+  const bool isFront = position == Position::front;
+  const auto& path = isFront ? cameras.front : cameras.rear;
+  auto maker = named(path, isFront ? cameras.frontSource : cameras.rearSource);
+  return maker || !path.empty() ? maker : found(position);
+}
+
+}  // namespace
+
+std::optional<AVCaptureDevice> AVCaptureDevice::defaultDevice(Position position) {
+  const auto cameras = CameraConfiguration::current();
+  const auto wanted = position == Position::front ? Position::front : Position::back;
+  const auto other = wanted == Position::front ? Position::back : Position::front;
+  for (const auto each : {wanted, other}) {
+    if (auto maker = makerFor(cameras, each)) return AVCaptureDevice(each, std::move(maker));
+  }
+  return std::nullopt;
+}
+
+void AVCaptureDevice::forgetAccess() {
+  ++configuration;
+}
+
+void AVCaptureDevice::requestAccess(const std::string& forMediaType,
+                                    std::function<void(bool granted)> completionHandler) {
+  const auto answers = DispatchQueue::global(DispatchQoS::userInitiated);
+  const unsigned asked = configuration;
+  if (forMediaType != AVMediaTypeVideo || granted == asked) {
+    const bool isGranted = forMediaType == AVMediaTypeVideo;
+    return answers.async([completionHandler = std::move(completionHandler), isGranted] {
+      completionHandler(isGranted);
+    });
+  }
+  CameraSession::queue().async([answers, asked, completionHandler = std::move(completionHandler)] {
+    const auto device = defaultDevice(Position::front);
+    const auto source = device ? device->makeSource() : nullptr;
+    const bool opens = source && source->start({[](const CameraFrame&) {}, [](const NSError&) {}});
+    if (opens) {
+      source->stop();
+      granted = asked;
+    }
+    answers.async([completionHandler, opens] { completionHandler(opens); });
+  });
+}
+
+}  // namespace kestrova::platform

@@ -1,0 +1,87 @@
+#include "sdk/flow/DocumentCaptureViewController.h"
+
+#include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/Print.h"
+#include "platform/uikit/UIBindings.h"
+#include "sdk/core/Kestrova.h"
+#include "sdk/flow/Animations.h"
+#include "sdk/flow/DocumentPicture.h"
+#include "sdk/ui/SpinnerView.h"
+
+namespace kestrova {
+
+void DocumentCaptureViewController::bind(UIBindings& bindings) {
+  bindings.outlet("IDGIFCointainer", IDGIFCointainer);
+  bindings.outlet("loadingView", loadingView);
+  bindings.outlet("spinner", spinner);
+}
+
+void DocumentCaptureViewController::viewDidLoad() {
+  UIViewController::viewDidLoad();
+  addOberserver();
+}
+
+void DocumentCaptureViewController::viewWillAppear(bool animated) {
+  UIViewController::viewWillAppear(animated);
+  playIDGIF();
+}
+
+void DocumentCaptureViewController::viewWillDisappear(bool animated) {
+  UIViewController::viewWillDisappear(animated);
+  if (const auto container = IDGIFCointainer.lock()) removeSubviews(*container);
+}
+
+void DocumentCaptureViewController::addOberserver() {
+  NotificationCenter::defaultCenter().addObserver<DocumentCaptureViewController>(
+      shared(this),
+      [](DocumentCaptureViewController& screen, const Notification&) {
+        screen.mediaUI->setCameraOverlayView(nullptr);
+      },
+      kUserDidCaptureItem);
+}
+
+void DocumentCaptureViewController::playIDGIF() {
+  if (const auto container = IDGIFCointainer.lock()) playGIF("IDGIF", *container);
+}
+
+void DocumentCaptureViewController::imagePickerControllerDidCancel(
+    UIImagePickerController& picker) {
+  picker.dismiss(true, [weak = std::weak_ptr(shared(this))] {
+    if (const auto alive = weak.lock()) alive->mediaUI->setCameraOverlayView(nullptr);
+  });
+}
+
+void DocumentCaptureViewController::imagePickerControllerDidFinishPickingMediaWithInfo(
+    UIImagePickerController& picker, const UIImagePickerControllerInfo& info) {
+  NotificationCenter::defaultCenter().removeObserver(this, kUserDidCaptureItem);
+  hasFailed_ = false;
+  picker.dismiss(true, [weak = std::weak_ptr(shared(this))] {
+    if (const auto alive = weak.lock()) alive->showLoading(!alive->hasFailed_);
+  });
+  const auto found = info.find(UIImagePickerControllerOriginalImage);
+  const auto* const image = found == info.end() ? nullptr : std::any_cast<UIImage>(&found->second);
+  if (!image) return;
+  if (const auto url = storeDocumentPicture(*image, fileName())) {
+    upload(*url);
+  } else {
+    hasFailed_ = true;
+    showLoading(false);
+  }
+}
+
+void DocumentCaptureViewController::showLoading(bool shows) {
+  if (const auto overlay = loadingView.lock()) overlay->setHidden(!shows);
+}
+
+std::optional<DocumentCaptureViewController::Keys> DocumentCaptureViewController::keysOrError(
+    std::string_view segue) {
+  const char* const missing = !Kestrova::authentication_key ? "Auth key not initialized"
+                              : !Kestrova::apiKey           ? "Api key not initialized"
+                                                            : nullptr;
+  if (!missing) return Keys{*Kestrova::apiKey, *Kestrova::authentication_key};
+  print(missing);
+  performSegue(segue, shared(this));
+  return std::nullopt;
+}
+
+}  // namespace kestrova

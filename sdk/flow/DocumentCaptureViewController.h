@@ -1,0 +1,63 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/capture/UIImagePickerController.h"
+#include "platform/uikit/UINavigationController.h"
+#include "sdk/Platform.h"
+
+namespace kestrova {
+
+class SpinnerView;
+
+// What photographing the two sides of a document has in common: the instructions, the camera, the
+// stored picture and its way to the backend. Main thread.
+class DocumentCaptureViewController : public UIViewController,
+                                      public UIImagePickerControllerDelegate,
+                                      public UINavigationControllerDelegate {
+ public:
+  std::weak_ptr<UIView> IDGIFCointainer;
+  std::weak_ptr<UIView> loadingView;
+  std::weak_ptr<SpinnerView> spinner;
+  // Used for every photograph of this screen.
+  std::shared_ptr<UIImagePickerController> mediaUI = std::make_shared<UIImagePickerController>();
+
+  void bind(UIBindings& bindings) override;
+  void viewDidLoad() override;
+  void viewWillAppear(bool animated) override;
+  void viewWillDisappear(bool animated) override;
+
+  // From the shot on the picker shows no outline.
+  void addOberserver();
+  void playIDGIF();
+  void imagePickerControllerDidCancel(UIImagePickerController& picker) override;
+  void imagePickerControllerDidFinishPickingMediaWithInfo(
+      UIImagePickerController& picker, const UIImagePickerControllerInfo& info) override;
+
+ protected:
+  // Of the stored picture.
+  virtual std::string_view fileName() const = 0;
+  // Sends the stored picture.
+  virtual void upload(const std::filesystem::path& url) = 0;
+
+  // What a request needs.
+  struct Keys {
+    std::string apiKey;
+    std::string authentication_key;
+  };
+  // None where the verification has none: then a line names the first that is missing, and the
+  // screen is left by that segue.
+  std::optional<Keys> keysOrError(std::string_view segue);
+
+ private:
+  void showLoading(bool shows);
+
+  // The photograph is not kept: nothing is sent, and the user may try again.
+  bool hasFailed_ = false;
+};
+
+}  // namespace kestrova
