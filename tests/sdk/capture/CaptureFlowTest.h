@@ -1,0 +1,147 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/capture/CameraConfiguration.h"
+#include "platform/capture/CameraSession.h"
+#include "platform/capture/UIImagePickerController.h"
+#include "platform/foundation/FileManager.h"
+#include "platform/liveness/DevelopmentEngine.h"
+#include "platform/uikit/UIAccessibility.h"
+#include "platform/uikit/UIAlertController.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UIWindow.h"
+#include "sdk/flow/ChooseDocumentTypeViewController.h"
+#include "sdk/flow/CongratsViewController.h"
+#include "sdk/flow/MoveHeadViewController.h"
+#include "sdk/flow/ScanBacksideViewController.h"
+#include "sdk/flow/ScanIDInstructionsViewController.h"
+#include "sdk/flow/WarningViewController.h"
+#include "tests/platform/capture/ScriptedCamera.h"
+#include "tests/sdk/flow/FlowTest.h"
+
+namespace kestrova::test {
+
+using Rehearsal = DevelopmentEngine::Rehearsal;
+
+// The flow's screens with a camera: a scripted device unless the test sets another, the development
+// engine, and a documents directory of the test's own.
+class CaptureFlowTest : public FlowTest {
+ protected:
+  // NOLINTBEGIN(concurrency-mt-unsafe): the tests are on one thread.
+  CaptureFlowTest() {
+    ::setenv("XDG_DATA_HOME", (directory.path() / "data").c_str(), 1);
+    CameraConfiguration cameras;
+    cameras.frontSource = cameras.rearSource = device->maker();
+    CameraConfiguration::set(cameras);
+  }
+  ~CaptureFlowTest() override {
+    wrapper->dismiss(false);
+    settle();
+    bool isReleased = false;
+    CameraSession::queue().async([&] { DispatchQueue::main().async([&] { isReleased = true; }); });
+    EXPECT_TRUE(waitFor([&] { return isReleased; }));
+    CameraConfiguration::set({});
+    DevelopmentEngine::shared()->setRehearsal({});
+    ::unsetenv("XDG_DATA_HOME");
+  }
+  // NOLINTEND(concurrency-mt-unsafe)
+
+  // Handles events, and lets time go by where nothing else waits for it, until `condition` holds.
+  static bool watchUntil(const std::function<bool()>& condition) {
+    return waitFor([&] {
+      advance(0.1);
+      return condition();
+    });
+  }
+  // A button that is seen and enabled, by its text; null where there is none.
+  static std::shared_ptr<UIButton> button(const UIView& in, std::string_view label) {
+    for (const auto& view : in.subviews()) {
+      if (view->isHidden()) continue;
+      const auto found = std::dynamic_pointer_cast<UIButton>(view);
+      if (found && found->isEnabled() && found->accessibilityLabel() == label) return found;
+      if (auto below = button(*view, label)) return below;
+    }
+    return nullptr;
+  }
+  UIWindow& flowWindow() const { return *navigation()->view()->window(); }
+  bool shows(std::string_view text) const {
+    return accessibilityTree(flowWindow()).find(text) != std::string::npos;
+  }
+  // Taps the button as soon as it is there.
+  void tap(UIViewController& on, std::string_view label) {
+    std::shared_ptr<UIButton> found;
+    ASSERT_TRUE(watchUntil([&] { return (found = button(*on.view(), label)) != nullptr; }))
+        << label << "\n"
+        << accessibilityTree(flowWindow());
+    click(*found);
+  }
+
+  // From the selfie's screen until the engine's has gone.
+  void takeSelfie() {
+    const auto screen = top<MoveHeadViewController>();
+    tap(*screen, "Start");
+    ASSERT_TRUE(watchUntil([&] { return screen->presentedViewController() != nullptr; }));
+    ASSERT_TRUE(watchUntil([&] { return screen->presentedViewController() == nullptr; }));
+  }
+  // From the front's or the back's screen; the picker is up.
+  template <typename Screen>
+  void openPicker(Screen& screen) {
+    tap(screen, "Take photo");
+    finishMotion();
+    ASSERT_EQ(screen.presentedViewController(), screen.mediaUI);
+  }
+  template <typename Screen>
+  void photograph(Screen& screen) {
+    openPicker(screen);
+    tap(*screen.mediaUI, "Take photo");
+    tap(*screen.mediaUI, "Use photo");
+    finishMotion();
+  }
+
+  // Steps of the requests that arrived, in order.
+  std::vector<std::string> steps() const {
+    std::vector<std::string> all;
+    for (const auto& request : server->requests()) all.push_back(request.step);
+    return all;
+  }
+  std::size_t countOf(std::string_view step) const {
+    return std::size_t(std::ranges::count(steps(), step));
+  }
+  // The last request of that step.
+  sandbox::Request requestOf(std::string_view step) const {
+    sandbox::Request found;
+    for (const auto& request : server->requests()) {
+      if (request.step == step) found = request;
+    }
+    return found;
+  }
+  static std::vector<std::string> documents() {
+    std::vector<std::string> names;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(FileManager::documentDirectory().value())) {
+      names.push_back(entry.path().filename());
+    }
+    std::ranges::sort(names);
+    return names;
+  }
+  // But for the order of the steps: tests of one screen begin in the middle.
+  void expectNoDeviation() const {
+    for (const auto& request : server->requests()) {
+      for (const auto& deviation : request.deviations) {
+        EXPECT_NE(deviation.find(" came before "), std::string::npos)
+            << request.step << ": " << deviation;
+      }
+    }
+  }
+
+  std::shared_ptr<ScriptedDevice> device = std::make_shared<ScriptedDevice>();
+};
+
+}  // namespace kestrova::test

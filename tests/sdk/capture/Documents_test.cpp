@@ -1,0 +1,160 @@
+#include "platform/uikit/UIImageView.h"
+#include "tests/sdk/capture/CaptureFlowTest.h"
+
+namespace kestrova {
+namespace {
+
+class Documents : public test::CaptureFlowTest {
+ protected:
+  std::shared_ptr<ScanIDInstructionsViewController> openFront(const std::string& type) {
+    if (!wrapper->presentedViewController()) start();
+    const auto screen = push<ScanIDInstructionsViewController>("ScanIDInstructions");
+    screen->selectedDocumentType = type;
+    return screen;
+  }
+  std::shared_ptr<ScanBacksideViewController> openBack() {
+    if (!wrapper->presentedViewController()) start();
+    return push<ScanBacksideViewController>("ScanBackside");
+  }
+};
+
+TEST_F(Documents, ShowTheOutlineUntilTheShotAndAfreshOnTheNextTry) {
+  const auto screen = openFront("PASSPORT");
+  openPicker(*screen);
+  auto outline = std::dynamic_pointer_cast<UIImageView>(screen->mediaUI->cameraOverlayView());
+  ASSERT_TRUE(outline);
+  EXPECT_EQ(outline->frame().size, (CGSize{300, 667 * 0.6}));
+  EXPECT_NEAR(outline->center().x, 187.5, 1e-9);
+  EXPECT_NEAR(outline->center().y, 300.15, 1e-9);
+  EXPECT_EQ(outline->contentMode(), UIViewContentMode::scaleAspectFit);
+  EXPECT_TRUE(outline->clipsToBounds());
+  EXPECT_EQ(screen->mediaUI->cameraDevice, UIImagePickerControllerCameraDevice::rear);
+  EXPECT_FALSE(screen->mediaUI->allowsEditing);
+
+  tap(*screen->mediaUI, "Cancel");
+  finishMotion();
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  EXPECT_EQ(outline->superview(), nullptr);
+  EXPECT_TRUE(screen->loadingView.lock()->isHidden());
+  EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
+
+  openPicker(*screen);
+  const auto fresh = std::dynamic_pointer_cast<UIImageView>(screen->mediaUI->cameraOverlayView());
+  ASSERT_TRUE(fresh);
+  EXPECT_NE(fresh, outline);
+  EXPECT_EQ(fresh->frame().size, (CGSize{300, 667 * 0.6}));
+  tap(*screen->mediaUI, "Take photo");
+  ASSERT_TRUE(watchUntil([&] { return shows("Use photo"); }));
+  EXPECT_EQ(fresh->superview(), nullptr);
+  tap(*screen->mediaUI, "Retake");
+  ASSERT_TRUE(
+      watchUntil([&] { return button(*screen->mediaUI->view(), "Take photo") != nullptr; }));
+  EXPECT_FALSE(std::dynamic_pointer_cast<UIImageView>(screen->mediaUI->cameraOverlayView()));
+}
+
+TEST_F(Documents, LeadFromTheFrontToTheBackButForAPassport) {
+  for (const auto* type : {"passport", "NATIONAL_ID_CARD", "DRIVERS_LICENSE", ""}) {
+    const auto screen = openFront(type);
+    photograph(*screen);
+    EXPECT_FALSE(screen->loadingView.lock()->isHidden());
+    ASSERT_TRUE(waitForTop<ScanBacksideViewController>()) << type;
+    wrapper->dismiss(false);
+    settle();
+  }
+  play("status-500-object@record_authentication_document_video:once");
+  photograph(*openFront("PASSPORT"));
+  ASSERT_TRUE(waitForTop<CongratsViewController>());
+  ASSERT_TRUE(watchUntil([&] {
+    return linesThatBegin("checkAuthenticationDocumentPicFRONT response: [").size() == 5;
+  }));
+  EXPECT_EQ(documents(), std::vector<std::string>{"picture.png"});
+  expectNoDeviation();
+}
+
+TEST_F(Documents, EndWithTheBackUnderTheNameOfAPicture) {
+  device->picture = test::plain(300, 400, 0xff204080);
+  const auto screen = openBack();
+  photograph(*screen);
+  ASSERT_TRUE(waitForTop<CongratsViewController>());
+  ASSERT_TRUE(watchUntil([&] {
+    return linesThatBegin("checkAuthenticationDocumentPicBACK response: [").size() == 1;
+  }));
+  const auto upload = requestOf("record_authentication_document_video_back").upload;
+  ASSERT_TRUE(upload);
+  EXPECT_EQ(upload->field, "picture");
+  EXPECT_EQ(upload->fileName, "picture.png");
+  EXPECT_EQ(documents(), std::vector<std::string>{"pictureBackside.png"});
+  const auto stored = UIImage::make(FileManager::contents(upload->path).value());
+  EXPECT_EQ(stored.value().size(), (CGSize{99, 132}));
+  expectNoDeviation();
+}
+
+TEST_F(Documents, AreNotSentWithoutKeysTheAuthenticationKeyFirst) {
+  auto front = openFront("PASSPORT");
+  Kestrova::authentication_key.reset();
+  Kestrova::apiKey.reset();
+  photograph(*front);
+  ASSERT_TRUE(waitForTop<WarningViewController>());
+  Kestrova::authentication_key = "A";
+  photograph(*openBack());
+  ASSERT_TRUE(waitForTop<WarningViewController>());
+  EXPECT_EQ(linesThatBegin("Auth key not initialized").size(), 1U);
+  EXPECT_EQ(linesThatBegin("Api key not initialized").size(), 1U);
+  EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
+  EXPECT_EQ(countOf("record_authentication_document_video_back"), 0U);
+}
+
+TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
+  // A file where the directory is to be.
+  std::filesystem::create_directories(directory.path() / "data");
+  const auto documents = FileManager::documentDirectory().value();
+  std::filesystem::remove_all(documents);
+  std::ofstream(documents) << "in the way";
+  const auto screen = openFront("PASSPORT");
+  photograph(*screen);
+  ASSERT_EQ(linesThatBegin("Kestrova: the picture is not kept: ").size(), 1U);
+  EXPECT_TRUE(screen->loadingView.lock()->isHidden());
+  EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
+  std::filesystem::remove(documents);
+  photograph(*screen);
+  EXPECT_TRUE(waitForTop<CongratsViewController>());
+}
+
+TEST_F(Documents, StayWhereTheBackendDoesNotAnswerAndCanBeLeft) {
+  const auto screen = openBack();
+  play("malformed-json@record_authentication_document_video_back:once");
+  photograph(*screen);
+  ASSERT_TRUE(
+      watchUntil([&] { return countOf("record_authentication_document_video_back") == 1; }));
+  EXPECT_TRUE(shows("Sending your"));
+  EXPECT_FALSE(navigation()->goBack());
+  click(flowWindow(), {345, 28});
+  finishMotion();
+  EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+
+  // With the camera up, and a camera that goes.
+  auto again = openFront("PASSPORT");
+  openPicker(*again);
+  device->unplug();
+  ASSERT_TRUE(watchUntil([&] { return shows("The camera was disconnected"); }));
+  const std::weak_ptr<ScanIDInstructionsViewController> gone = again;
+  again.reset();
+  wrapper->dismiss(true);
+  finishMotion();
+  EXPECT_TRUE(watchUntil([&] { return gone.expired(); }));
+}
+
+TEST_F(Documents, StayAsTheyAreWithoutACamera) {
+  const auto screen = openFront("PASSPORT");
+  CameraConfiguration cameras;
+  cameras.front = cameras.rear = directory.path() / "missing";
+  CameraConfiguration::set(cameras);
+  const auto lines = output.lines();
+  tap(*screen, "Take photo");
+  finishMotion();
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  EXPECT_EQ(output.lines(), lines);
+}
+
+}  // namespace
+}  // namespace kestrova
