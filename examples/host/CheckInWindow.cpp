@@ -27,6 +27,10 @@ void CheckInWindow::applyHouseStyle() {
   if (style.open(QIODevice::ReadOnly)) qApp->setStyleSheet(style.readAll());
 }
 
+QPoint CheckInWindow::middleOfButton() const {
+  return form_->verify->mapTo(this, form_->verify->rect().center());
+}
+
 void CheckInWindow::sendToFrontDesk() {
   form_->lead->setText("Our team at the front desk will check you in. They are expecting you.");
 }

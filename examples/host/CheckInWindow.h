@@ -22,6 +22,8 @@ class CheckInWindow : public QWidget {
   // The hotel's style sheet and typeface, for the whole application.
   static void applyHouseStyle();
 
+  // Where a finger would tap to be verified.
+  QPoint middleOfButton() const;
   // What guests read where the kiosk cannot help them.
   void sendToFrontDesk();
 

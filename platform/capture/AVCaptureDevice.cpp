@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "platform/capture/CameraSession.h"
-#include "platform/capture/PictureCamera.h"
 #include "platform/capture/V4L2Device.h"
 #include "platform/capture/VideoCamera.h"
 #include "platform/dispatch/DispatchQueue.h"
@@ -26,11 +25,7 @@ CameraConfiguration::Maker named(const std::filesystem::path& path,
   if (source) return source;
   std::error_code none;
   if (path.empty() || !std::filesystem::exists(path, none)) return {};
-  return [path]() -> std::unique_ptr<CameraSource> {
-    if (V4L2Device::isDevice(path)) return VideoCamera::device(path);
-    if (PictureCamera::canShow(path)) return std::make_unique<PictureCamera>(path);
-    return VideoCamera::file(path);
-  };
+  return [path] { return CameraConfiguration::source(path); };
 }
 
 CameraConfiguration::Maker found(Position position) {

@@ -4,6 +4,9 @@
 #include <utility>
 
 #include "platform/capture/AVCaptureDevice.h"
+#include "platform/capture/PictureCamera.h"
+#include "platform/capture/V4L2Device.h"
+#include "platform/capture/VideoCamera.h"
 
 namespace kestrova::platform {
 
@@ -33,6 +36,12 @@ void CameraConfiguration::set(CameraConfiguration configuration) {
 CameraConfiguration CameraConfiguration::current() {
   const std::lock_guard lock(instance().mutex);
   return instance().configuration;
+}
+
+std::unique_ptr<CameraSource> CameraConfiguration::source(const std::filesystem::path& path) {
+  if (V4L2Device::isDevice(path)) return VideoCamera::device(path);
+  if (PictureCamera::canShow(path)) return std::make_unique<PictureCamera>(path);
+  return VideoCamera::file(path);
 }
 
 }  // namespace kestrova::platform

@@ -24,6 +24,8 @@ struct CameraConfiguration {
 
   static void set(CameraConfiguration configuration);
   static CameraConfiguration current();
+  // The camera that a path stands for; one that is not there fails when it is opened.
+  static std::unique_ptr<CameraSource> source(const std::filesystem::path& path);
 };
 
 }  // namespace kestrova::platform
