@@ -16,8 +16,13 @@ constexpr double kMargin = 24;
 constexpr double kSide = 12;
 constexpr double kWidest = 480;
 constexpr double kButtonHeight = 52;
-// Height to width.
+// Of the oval: its width to the frame's at the most, its height to its width, and its least height
+// to the frame's where it stands above the feedback.
+constexpr double kOvalWidth = 0.62;
 constexpr double kOvalShape = 1.32;
+constexpr double kLeastHeight = 0.3;
+constexpr double kBetween = 12;
+constexpr double kTop = 8;
 const UIColor kShade = UIColor::white(0, 0.6);
 constexpr double kFeedbackRadius = 12;
 constexpr CGSize kFeedbackPadding{12, 6};
@@ -94,12 +99,16 @@ CGRect DevelopmentView::frameOnScreen() const {
 
 CGRect DevelopmentView::ovalInFrame() const {
   const auto frame = frameOnScreen();
-  const double width = std::round(std::min(OvalView::kWidth * frame.size.width,
-                                           OvalView::kHeight * frame.size.height / kOvalShape));
+  // Above the feedback, so that the text covers no face, where that leaves enough.
+  const double above = customization_.feedbackCustomization.topMargin - kFeedbackPadding.height -
+                       kBetween - frame.minY();
+  const bool isAbove =
+      above - kTop >= kLeastHeight * frame.size.height && above <= frame.size.height;
+  const double room = (isAbove ? above : frame.size.height) - kTop;
+  const double width = std::round(std::min(kOvalWidth * frame.size.width, room / kOvalShape));
   const double height = std::round(width * kOvalShape);
-  return {{std::round(frame.midX() - width / 2),
-           std::round(frame.minY() + OvalView::kMiddle * frame.size.height - height / 2)},
-          {width, height}};
+  const double middle = isAbove ? frame.minY() + above - height / 2 : frame.midY();
+  return {{std::round(frame.midX() - width / 2), std::round(middle - height / 2)}, {width, height}};
 }
 
 void DevelopmentView::layoutSubviews() {
@@ -111,12 +120,12 @@ void DevelopmentView::layoutSubviews() {
     const CGSize all{text.width + 2 * padding.width, text.height + 2 * padding.height};
     label.setFrame({{(size.width - all.width) / 2, y - padding.height}, all});
   };
-  place(*notice_, kMargin, {});
   place(*feedback_, customization_.feedbackCustomization.topMargin, kFeedbackPadding);
-  place(*hint_, ovalInFrame().maxY() + kMargin, {});
+  place(*hint_, std::max(feedback_->frame().maxY(), ovalInFrame().maxY()) + kBetween, {});
   const double buttonWidth = cancel_->sizeThatFits({width, kButtonHeight}).width;
   cancel_->setFrame({{(size.width - buttonWidth) / 2, size.height - 16 - kButtonHeight},
                      {buttonWidth, kButtonHeight}});
+  place(*notice_, cancel_->frame().minY() - kMargin, {});
 }
 
 void DevelopmentView::draw(Canvas& canvas) {

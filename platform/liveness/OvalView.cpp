@@ -61,8 +61,7 @@ void OvalView::setPicture(const CGImage& picture) {
   const double width = pixels(face.size.width, all.first);
   const double height = pixels(face.size.height, all.second);
   const auto left = std::size_t((all.first - width) / 2);
-  const auto top =
-      std::size_t(std::clamp(kMiddle * all.second - height / 2, 0.0, all.second - height));
+  const auto top = std::size_t((all.second - height) / 2);
   const auto mirrored = CGImage::make(std::size_t(width), std::size_t(height));
   if (!mirrored) return;
   for (std::size_t y = 0; y < mirrored->height(); ++y) {

@@ -16,10 +16,8 @@ class OvalView : public UIView {
  public:
   // The share of a picture's width and height that fills the oval: where a face is that somebody
   // holds before a camera.
-  static constexpr double kWidth = 0.62;
-  static constexpr double kHeight = 0.56;
-  // Of the oval's middle, from a picture's upper edge.
-  static constexpr double kMiddle = 0.44;
+  static constexpr double kWidth = 0.8;
+  static constexpr double kHeight = 0.75;
 
   explicit OvalView(ZoomCustomization::Oval look);
 
