@@ -49,8 +49,10 @@ void drawDocument(const SpecimenDocument& document, const std::string& family,
   desk.setColorAt(0, QColor(0xDE, 0xD3, 0xC4));
   desk.setColorAt(1, QColor(0xC9, 0xBA, 0xA6));
   painter.fillRect(image.rect(), desk);
-  // Where the camera's outline has its middle: 45 hundredths down.
-  painter.translate(750, 900);
+  // Held as the camera's outline asks for it.
+  constexpr double kSize = 0.88;
+  painter.translate(750, 1000);
+  painter.scale(kSize, kSize);
   drawSpecimen(painter, document, family);
   painter.end();
   save(image, file);

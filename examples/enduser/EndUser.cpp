@@ -60,9 +60,7 @@ std::shared_ptr<UIButton> usableButton(const UIView& in, std::string_view label)
 }  // namespace
 
 EndUser::EndUser(std::shared_ptr<UIViewController> host, Person person)
-    : pass([] { QCoreApplication::processEvents(QEventLoop::AllEvents, 10); }),
-      host_(std::move(host)),
-      person_(std::move(person)) {}
+    : pass([] { QTest::qWait(10); }), host_(std::move(host)), person_(std::move(person)) {}
 
 std::optional<std::string> EndUser::verify() {
   try {

@@ -33,8 +33,8 @@ class EndUser {
   // `host` is what the flow is presented over.
   EndUser(std::shared_ptr<UIViewController> host, Person person);
 
-  // Lets a moment go by: handles events, for ten milliseconds at the most. A test with a clock that
-  // stands still moves it on here.
+  // Lets a moment go by: handles events for ten milliseconds. A test with a clock that stands still
+  // moves it on here.
   std::function<void()> pass;
   // Told the name of every screen and state that has come to rest.
   std::function<void(const std::string& name)> look = [](const std::string&) {};

@@ -22,11 +22,14 @@ std::nullopt_t complain(const std::string& about) {
 
 const char* const Options::kUsage =
     "usage: kestrova-host [--camera DEVICE | --face FILE --front FILE --back FILE]\n"
+    "                     [--specimens DIRECTORY]\n"
     "                     [--port PORT --authority FILE] [--pictures DIRECTORY]\n"
     "                     [--scripted [--document passport|licence|id] [--country CODE]\n"
     "                                 [--email ADDRESS]]\n"
-    "FILE: a picture, a folder of pictures or a video that stands for a camera. PORT and FILE: a\n"
-    "sandbox elsewhere than at its usual port and store.\n";
+    "FILE of a camera: a picture, a folder of pictures or a video; without one the drawing in the\n"
+    "directory of specimens stands for the camera, without that one the machine's own does. PORT "
+    "and\n"
+    "FILE: a sandbox elsewhere than at its usual port and store.\n";
 
 std::optional<Options> Options::parse(std::span<char*> arguments) {
   Options options;
@@ -35,11 +38,13 @@ std::optional<Options> Options::parse(std::span<char*> arguments) {
   std::string face;
   std::string front;
   std::string back;
+  std::string specimens;
   const std::map<std::string_view, std::string*> texts{
       {"--camera", &camera},
       {"--face", &face},
       {"--front", &front},
       {"--back", &back},
+      {"--specimens", &specimens},
       {"--port", &options.port},
       {"--authority", &options.authority},
       {"--pictures", &options.pictures},
@@ -61,13 +66,14 @@ std::optional<Options> Options::parse(std::span<char*> arguments) {
   if (!camera.empty() && !(face + front + back).empty()) {
     return complain("--camera and a file that stands for one exclude each other");
   }
-  options.cameras = {face, front, back};
-  if (!camera.empty()) options.cameras = {camera, camera, {}};
-  for (const auto& path : {options.cameras.face, options.cameras.front, options.cameras.back}) {
-    if (!path.empty() && !std::filesystem::exists(path)) {
-      return complain("there is no " + path.string());
-    }
+  if (!camera.empty()) face = front = back = camera;
+  for (const auto& path : {face, front, back, specimens}) {
+    if (!path.empty() && !std::filesystem::exists(path)) return complain("there is no " + path);
   }
+  options.cameras.face = face;
+  options.cameras.front = front;
+  options.cameras.back = back;
+  options.cameras.specimens = specimens;
   options.person.document.clear();
   for (const auto& [name, identifier] : kDocuments) {
     if (name == document) options.person.document = identifier;
