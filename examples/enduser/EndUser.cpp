@@ -46,7 +46,8 @@ void click(const UIView& view) {
   click(view, {size.width / 2, size.height / 2});
 }
 
-// A button that is seen and enabled.
+}  // namespace
+
 std::shared_ptr<UIButton> usableButton(const UIView& in, std::string_view label) {
   for (const auto& view : in.subviews()) {
     if (view->isHidden()) continue;
@@ -56,8 +57,6 @@ std::shared_ptr<UIButton> usableButton(const UIView& in, std::string_view label)
   }
   return nullptr;
 }
-
-}  // namespace
 
 EndUser::EndUser(std::shared_ptr<UIViewController> host, Person person)
     : pass([] { QTest::qWait(10); }), host_(std::move(host)), person_(std::move(person)) {}

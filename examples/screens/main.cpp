@@ -1,5 +1,5 @@
 // Draws every screen of the flow in every state as PNG files, without a display and without a
-// backend: for eyes, not for tests.
+// backend, with drawn specimens before the cameras: for eyes, not for tests.
 
 #include <cstdio>
 #include <cstdlib>
@@ -9,12 +9,18 @@
 #include <string>
 #include <vector>
 
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QImage>
 #include <QtGui/QPainter>
 #include <QtGui/QPixmap>
+#include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
+#include "examples/enduser/DemoCameras.h"
+#include "examples/enduser/EndUser.h"
 #include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UIKeyboard.h"
 #include "platform/uikit/UINavigationController.h"
@@ -30,6 +36,7 @@
 #include "sdk/flow/DocumentTableViewController.h"
 #include "sdk/flow/Flow.h"
 #include "sdk/flow/MoveHeadViewController.h"
+#include "sdk/flow/ScanBacksideViewController.h"
 #include "sdk/flow/ScanIDInstructionsViewController.h"
 #include "sdk/ui/Extensions.h"
 #include "sdk/ui/SpinnerView.h"
@@ -78,9 +85,34 @@ class Stage {
     return dynamic_cast<Screen&>(*screen_);
   }
 
+  // Lets the cameras work until the text is on what lies over the screen.
+  void waitFor(std::string_view text) {
+    waitUntil(text, [&] {
+      const auto over = screen_->presentedViewController();
+      return over && accessibilityTree(*over->view()).find(text) != std::string::npos;
+    });
+  }
+  // As waitFor, with a button that can be used.
+  std::shared_ptr<UIButton> waitForButton(std::string_view label) {
+    std::shared_ptr<UIButton> button;
+    waitUntil(label, [&] {
+      const auto over = screen_->presentedViewController();
+      return over && (button = usableButton(*over->view(), label));
+    });
+    return button;
+  }
+
   static void settle(double seconds) {
     AnimationClock::shared().advance(seconds);
     for (int round = 0; round < 5; ++round) QCoreApplication::processEvents();
+  }
+
+  // Whatever stands before the cameras of this run.
+  void look(const std::filesystem::path& face, const std::filesystem::path& document) {
+    DemoCameras cameras;
+    cameras.face = face;
+    cameras.front = cameras.back = document;
+    cameras.use(wrapper_);
   }
 
   void save(const std::filesystem::path& file, double keyboard) {
@@ -94,6 +126,19 @@ class Stage {
   }
 
  private:
+  static void waitUntil(std::string_view what, const std::function<bool()>& condition) {
+    constexpr double kStep = 0.02;
+    constexpr int kMost = 2000;
+    for (int step = 0; step < kMost; ++step) {
+      if (condition()) return;
+      AnimationClock::shared().advance(kStep);
+      QTest::qWait(2);
+    }
+    std::fprintf(stderr, "never seen: %s\n", std::string(what).c_str());
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing else ends the process.
+    std::exit(1);
+  }
+
   QWidget host_;
   std::shared_ptr<UIViewController> wrapper_;
   std::shared_ptr<UINavigationController> navigation_;
@@ -115,7 +160,22 @@ void select(UITableView& table, std::size_t row, UITableViewDelegate& told) {
   told.tableViewDidSelectRowAt(table, {row, 0});
 }
 
-std::vector<State> states() {
+void darken(const std::filesystem::path& from, const std::filesystem::path& to) {
+  QImage picture(QString::fromStdString(from.string()));
+  QPainter(&picture).fillRect(picture.rect(), QColor(0, 0, 0, 220));
+  picture.save(QString::fromStdString(to.string()));
+}
+
+std::vector<State> states(const std::filesystem::path& specimens) {
+  const auto selfie = [=](Stage& stage, const std::filesystem::path& face) {
+    stage.look(face, {});
+    stage.screen<MoveHeadViewController>().recordSelfieVideo(nullptr);
+  };
+  const auto front = [=](Stage& stage, const std::filesystem::path& document) {
+    stage.look({}, document);
+    stage.screen<ScanIDInstructionsViewController>().takePhotoOfFrontDocument(nullptr);
+    stage.waitForButton("Take photo");
+  };
   const auto nationality = [](Stage& stage) -> ChooseCitizenViewController& {
     return stage.screen<ChooseCitizenViewController>();
   };
@@ -157,25 +217,71 @@ std::vector<State> states() {
          screen.setWaiting(true);
        }},
       {"09-selfie", "MoveHead"},
-      {"10-selfie-sending", "MoveHead",
+      {"10-selfie-refused", "MoveHead",
+       [=](Stage& stage) {
+         selfie(stage, specimens / "missing");
+         stage.waitFor("We need access");
+       }},
+      {"11-selfie-oval", "MoveHead",
+       [=](Stage& stage) {
+         selfie(stage, specimens / "face.mov");
+         stage.waitFor("Put your face");
+       }},
+      {"12-selfie-dark", "MoveHead",
+       [=](Stage& stage) {
+         const QTemporaryDir night;
+         const auto face = std::filesystem::path(night.filePath("face.png").toStdString());
+         darken(specimens / "face" / "00.png", face);
+         selfie(stage, face);
+         stage.waitFor("It is dark here");
+       }},
+      {"13-selfie-turning", "MoveHead",
+       [=](Stage& stage) {
+         selfie(stage, specimens / "face.mov");
+         stage.waitFor("Turn your head");
+       }},
+      {"14-selfie-sending", "MoveHead",
        [](Stage& stage) {
          stage.screen<MoveHeadViewController>().loadingView.lock()->setHidden(false);
        }},
-      {"11-document", "ChooseDocumentType"},
-      {"12-document-chosen", "ChooseDocumentType",
+      {"15-document", "ChooseDocumentType"},
+      {"16-document-chosen", "ChooseDocumentType",
        [](Stage& stage) {
          auto& screen = stage.screen<ChooseDocumentTypeViewController>();
          auto& list = dynamic_cast<DocumentTableViewController&>(*screen.children().front());
          select(dynamic_cast<UITableView&>(*list.view()), 1, list);
        }},
-      {"13-front", "ScanIDInstructions"},
-      {"14-front-sending", "ScanIDInstructions",
+      {"17-front", "ScanIDInstructions"},
+      {"18-front-camera", "ScanIDInstructions",
+       [=](Stage& stage) { front(stage, specimens / "licence-front.png"); }},
+      {"19-front-taken", "ScanIDInstructions",
+       [=](Stage& stage) {
+         front(stage, specimens / "licence-front.png");
+         stage.waitForButton("Take photo")->sendActions(UIControlEvents::touchUpInside);
+         stage.waitForButton("Use photo");
+       }},
+      {"20-front-failed", "ScanIDInstructions",
+       [=](Stage& stage) {
+         const QTemporaryDir folder;
+         const auto document = std::filesystem::path(folder.filePath("gone.png").toStdString());
+         std::filesystem::copy_file(specimens / "passport.png", document);
+         front(stage, document);
+         std::filesystem::remove(document);
+         stage.waitFor("disconnected");
+       }},
+      {"21-front-sending", "ScanIDInstructions",
        [](Stage& stage) {
          stage.screen<ScanIDInstructionsViewController>().loadingView.lock()->setHidden(false);
        }},
-      {"15-back", "ScanBackside"},
-      {"16-congratulations", "Congrats"},
-      {"17-warning", "Warning"},
+      {"22-back", "ScanBackside"},
+      {"23-back-camera", "ScanBackside",
+       [=](Stage& stage) {
+         stage.look({}, specimens / "id-back.png");
+         stage.screen<ScanBacksideViewController>().takePhotoOfBacksideDocument(nullptr);
+         stage.waitForButton("Take photo");
+       }},
+      {"24-congratulations", "Congrats"},
+      {"25-warning", "Warning"},
   };
 }
 
@@ -184,11 +290,11 @@ std::vector<State> states() {
 
 int main(int count, char** arguments) {
   using namespace kestrova;
-  if (count < 2) {
-    std::fprintf(stderr, "usage: kestrova-screens DIRECTORY [SIZE]\n");
+  if (count < 3) {
+    std::fprintf(stderr, "usage: kestrova-screens SPECIMENS DIRECTORY [SIZE]\n");
     return 2;
   }
-  const std::string wanted = count > 2 ? arguments[2] : "";
+  const std::string wanted = count > 3 ? arguments[3] : "";
   qputenv("QT_QPA_PLATFORM", "offscreen");
   if (!qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) qputenv("QT_SCALE_FACTOR", "2");
   QApplication application(count, arguments);
@@ -196,9 +302,9 @@ int main(int count, char** arguments) {
   AnimationClock::shared().useManualTime();
   for (const auto& size : kSizes) {
     if (!wanted.empty() && wanted != size.name) continue;
-    const auto folder = std::filesystem::path(arguments[1]) / size.name;
+    const auto folder = std::filesystem::path(arguments[2]) / size.name;
     std::filesystem::create_directories(folder);
-    for (const auto& state : states()) {
+    for (const auto& state : states(arguments[1])) {
       Stage stage(size, state.scene);
       state.prepare(stage);
       if (state.keyboard > 0) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "platform/uikit/Canvas.h"
 #include "platform/uikit/UIBezierPath.h"
@@ -137,7 +138,6 @@ CameraControlsView::CameraControlsView()
   cancel_->setTitle("Cancel");
   use_->setTitle("Use photo");
   use_->setBackgroundColor(kBlue);
-  retake_->setBackgroundColor(kQuiet);
   for (const auto& button : {cancel_, retake_, use_}) {
     button->setTitleFont(font());
     button->setTitleColor(UIColor::white());
@@ -162,6 +162,9 @@ void CameraControlsView::setState(State state) {
   use_->setHidden(!isTaken);
   retake_->setHidden(!isTaken && !isFailed);
   retake_->setTitle(isFailed ? "Try again" : "Retake");
+  // Of the two buttons the second is the way on.
+  retake_->setBackgroundColor(isFailed ? kBlue : kQuiet);
+  cancel_->setBackgroundColor(isFailed ? kQuiet : UIColor::clear());
   setNeedsLayout();
 }
 
@@ -200,15 +203,12 @@ void CameraControlsView::layoutSubviews() {
   shutter_->setFrame(
       {{std::round((size.width - kShutter) / 2), middle - kShutter / 2}, {kShutter, kShutter}});
   flash_->setFrame({{left + width - side, top}, {side, kButtonHeight}});
-  if (state_ == State::failed) {
-    const double each = std::min(kButtonWidth, width - 2 * (word + kBetween));
-    retake_->setFrame({{std::round((size.width - each) / 2), top}, {each, kButtonHeight}});
-    return;
-  }
   const double each = std::min(kButtonWidth, std::floor((width - kBetween) / 2));
   const double start = std::round((size.width - 2 * each - kBetween) / 2);
-  retake_->setFrame({{start, top}, {each, kButtonHeight}});
-  use_->setFrame({{start + each + kBetween, top}, {each, kButtonHeight}});
+  const auto& [first, second] =
+      state_ == State::failed ? std::tie(cancel_, retake_) : std::tie(retake_, use_);
+  first->setFrame({{start, top}, {each, kButtonHeight}});
+  second->setFrame({{start + each + kBetween, top}, {each, kButtonHeight}});
 }
 
 }  // namespace kestrova::platform
