@@ -129,7 +129,7 @@ void DevelopmentView::layoutSubviews() {
 }
 
 void DevelopmentView::draw(Canvas& canvas) {
-  canvas.fill(frameOnScreen(), UIColor::black());
+  canvas.fill(frameOnScreen(), UIColor::black(), layer().cornerRadius());
 }
 
 }  // namespace kestrova::platform
