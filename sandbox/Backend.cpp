@@ -227,6 +227,11 @@ void Backend::refused(const HttpRequest& soFar, int status, std::string_view why
   finish(std::move(request), std::nullopt, errorAnswer(status, why));
 }
 
+std::optional<Failure> Backend::remove(const std::optional<std::string>& key) {
+  const std::lock_guard lock(orderMutex_);
+  return key ? store_.remove(*key) : store_.removeAll();
+}
+
 void Backend::note(std::string_view line) {
   if (!log_) return;
   const std::lock_guard lock(logMutex_);

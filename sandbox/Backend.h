@@ -28,6 +28,10 @@ class Backend final : public HttpHandler {
   void refused(const HttpRequest& soFar, int status, std::string_view why) override;
   void note(std::string_view line) override;
 
+  // Removes from the store: an authentication; where the key is empty the requests of none; without
+  // a key everything. No request is recorded halfway between.
+  std::optional<Failure> remove(const std::optional<std::string>& key);
+
  private:
   // A request as it will be recorded, with what judging it brought to light.
   struct Judged {

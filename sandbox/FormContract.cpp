@@ -10,8 +10,10 @@ namespace kestrova::sandbox {
 namespace {
 
 constexpr std::string_view formType = "application/x-www-form-urlencoded; charset=utf-8";
-// No honest form is longer; what follows is not read.
-constexpr std::size_t mostBytes = std::size_t{256} << 10U;
+// No honest form is longer.
+constexpr std::size_t usualBytes = std::size_t{256} << 10U;
+// What follows is not read.
+constexpr std::size_t mostPairs = 1000;
 // A body of nothing but wrong bytes must not fill the record with a line each.
 constexpr std::size_t mostComplaints = 20;
 
@@ -27,7 +29,7 @@ std::optional<unsigned> hexValue(char c) {
   return std::nullopt;
 }
 
-// Decodes one key or value. `complain` takes what is wrong with how it was written.
+// Decodes one key or value. `complain` takes what tells what is wrong with how it was written.
 template <typename Complain>
 std::string unescaped(std::string_view text, Complain complain) {
   std::string out;
@@ -35,7 +37,8 @@ std::string unescaped(std::string_view text, Complain complain) {
     const char c = text[i];
     if (c != '%') {
       if (!staysUnescaped(c)) {
-        complain("byte " + printable(text.substr(i, 1)) + " must be percent-escaped");
+        complain(
+            [&] { return "byte " + printable(text.substr(i, 1)) + " must be percent-escaped"; });
       }
       out += c;
       continue;
@@ -44,33 +47,45 @@ std::string unescaped(std::string_view text, Complain complain) {
     const auto high = escape.size() == 3 ? hexValue(escape[1]) : std::nullopt;
     const auto low = escape.size() == 3 ? hexValue(escape[2]) : std::nullopt;
     if (!high || !low) {
-      complain("expected % and two hexadecimal digits, came " + printable(escape));
+      complain([&] { return "expected % and two hexadecimal digits, came " + printable(escape); });
       out += c;
       continue;
     }
     const char decoded = static_cast<char>(*high * 16 + *low);
     if (std::any_of(escape.begin(), escape.end(), [](char d) { return d >= 'a' && d <= 'f'; })) {
-      complain("expected upper-case hexadecimal digits, came " + printable(escape));
+      complain([&] { return "expected upper-case hexadecimal digits, came " + printable(escape); });
     }
-    if (staysUnescaped(decoded)) complain(printable(escape) + " must not be escaped");
+    if (staysUnescaped(decoded)) {
+      complain([&] { return printable(escape) + " must not be escaped"; });
+    }
     out += decoded;
     i += 2;
   }
-  if (!isUtf8(out)) complain("expected well-formed UTF-8, came " + printable(out));
+  if (!isUtf8(out)) {
+    complain([&] { return "expected well-formed UTF-8, came " + printable(out); });
+  }
   return out;
 }
 
 template <typename Complain>
 void forEachPair(std::string_view body, Complain&& complain, Fields& fields) {
   while (!body.empty()) {
+    if (fields.pairs.size() == mostPairs) {
+      fields.deviations.push_back("form: more than " + std::to_string(mostPairs) + " fields");
+      return;
+    }
     const auto end = std::min(body.find('&'), body.size());
     const auto pair = body.substr(0, end);
     const bool last = end == body.size();
     body.remove_prefix(last ? end : end + 1);
     const auto equals = pair.find('=');
-    if (pair.empty() || (body.empty() && !last)) complain("an & without a pair beside it");
+    if (pair.empty() || (body.empty() && !last)) {
+      complain([] { return std::string("an & without a pair beside it"); });
+    }
     if (pair.empty()) continue;
-    if (equals == pair.npos) complain("expected key=value, came " + printable(pair));
+    if (equals == pair.npos) {
+      complain([&] { return "expected key=value, came " + printable(pair); });
+    }
     auto key = unescaped(pair.substr(0, equals), complain);
     auto value = equals == pair.npos ? std::string() : unescaped(pair.substr(equals + 1), complain);
     fields.pairs.emplace_back(std::move(key), std::move(value));
@@ -96,15 +111,15 @@ Fields readForm(std::string_view contentType, std::string_view body) {
     fields.deviations.push_back("Content-Type: expected " + printable(formType) + ", came " +
                                 printable(contentType));
   }
-  if (body.size() > mostBytes) {
-    fields.deviations.push_back("form: " + std::to_string(body.size()) + " bytes");
-    body = body.substr(0, mostBytes);
+  if (body.size() > usualBytes) {
+    fields.deviations.push_back("form: expected at most " + std::to_string(usualBytes) +
+                                " bytes, came " + std::to_string(body.size()));
   }
   std::size_t complaints = 0;
   forEachPair(
       body,
-      [&](const std::string& what) {
-        if (++complaints <= mostComplaints) fields.deviations.push_back("form: " + what);
+      [&](const auto& what) {
+        if (++complaints <= mostComplaints) fields.deviations.push_back("form: " + what());
       },
       fields);
   if (complaints > mostComplaints) {
@@ -127,7 +142,7 @@ Fields readLooseForm(std::string_view body) {
   std::string text(body);
   std::replace(text.begin(), text.end(), '+', ' ');
   forEachPair(
-      text, [](const std::string&) {}, fields);
+      text, [](const auto&) {}, fields);
   return fields;
 }
 

@@ -14,14 +14,22 @@ std::string_view reasonPhrase(int status) {
       return "OK";
     case 204:
       return "No Content";
+    case 206:
+      return "Partial Content";
+    case 303:
+      return "See Other";
     case 400:
       return "Bad Request";
     case 403:
       return "Forbidden";
     case 404:
       return "Not Found";
+    case 405:
+      return "Method Not Allowed";
     case 413:
       return "Content Too Large";
+    case 416:
+      return "Range Not Satisfiable";
     case 431:
       return "Request Header Fields Too Large";
     case 500:
@@ -52,6 +60,9 @@ std::string serialized(const HttpAnswer& answer, bool keepAlive) {
            "\r\nContent-Length: " + std::to_string(answer.body.size()) + "\r\n";
   }
   out += "Cache-Control: no-store\r\nX-Content-Type-Options: nosniff\r\n";
+  for (const auto& [name, value] : answer.headers) {
+    out.append(name).append(": ").append(value).append("\r\n");
+  }
   if (!keepAlive) out += "Connection: close\r\n";
   out += "\r\n";
   if (answer.status != 204) out += answer.body;

@@ -34,6 +34,7 @@ struct HttpAnswer {
   std::string contentType = "application/json";
   std::string body;
   Delivery delivery = Delivery::whole;
+  std::vector<std::pair<std::string, std::string>> headers{};  // further ones
 };
 
 // The answer as it goes over the wire. Status 204 goes without a body and its headers.

@@ -1,6 +1,8 @@
 #include "sandbox/Listing.h"
 
-#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "sandbox/Text.h"
 
@@ -39,19 +41,16 @@ std::string listing(const Store& store, const ScenarioSet& scenarios) {
 
   // The authentications after the requests: whose opening is in one is in the other.
   const auto requests = store.requests();
+  std::unordered_map<std::string_view, std::vector<const Request*>> requestsOf;
+  for (const auto& request : requests) requestsOf[request.authentication].push_back(&request);
   for (const auto& authentication : store.authentications()) {
     out += "\nauthentication " + authentication.key + "\n  opened " + authentication.opened +
            ", api_key " + printable(authentication.apiKey) + '\n';
-    for (const auto& request : requests) {
-      if (request.authentication == authentication.key) append(out, request);
-    }
+    for (const auto* const request : requestsOf[authentication.key]) append(out, *request);
   }
-  const auto stray = [](const Request& request) { return request.authentication.empty(); };
-  if (std::any_of(requests.begin(), requests.end(), stray)) {
+  if (const auto& strays = requestsOf[""]; !strays.empty()) {
     out += "\nrequests of no authentication\n";
-    for (const auto& request : requests) {
-      if (stray(request)) append(out, request);
-    }
+    for (const auto* const request : strays) append(out, *request);
   }
   return out;
 }

@@ -55,9 +55,12 @@ class Sandbox::Impl {
         store_(std::move(store)),
         tls_(std::move(tls)),
         backend_(*store_, scenarios_, options.log),
-        control_({[this] { return listing(); },
+        control_(Console(*store_, scenarios_),
+                 {[this] { return listing(); },
                   [this](Scenario scenario) { return setScenario(std::move(scenario)); },
-                  [this] { clearScenarios(); }}) {}
+                  [this] { clearScenarios(); },
+                  [this](const std::optional<std::string>& key) { return backend_.remove(key); }}) {
+  }
 
   // Takes both ports, then serves.
   std::optional<Failure> run(const Options& options) {

@@ -8,11 +8,13 @@ namespace kestrova::sandbox {
 void ScenarioSet::add(Scenario scenario) {
   const std::lock_guard lock(mutex_);
   scenarios_.push_back(std::move(scenario));
+  ++changes_;
 }
 
 void ScenarioSet::clear() {
   const std::lock_guard lock(mutex_);
   scenarios_.clear();
+  ++changes_;
 }
 
 std::optional<Scenario> ScenarioSet::take(std::string_view step) {
@@ -32,7 +34,10 @@ std::optional<Scenario> ScenarioSet::takeFirst(std::string_view step, bool cut) 
       });
   if (found == scenarios_.end() || (found->fault == Fault::cut) != cut) return std::nullopt;
   Scenario taken = *found;
-  if (taken.once) scenarios_.erase(found);
+  if (taken.once) {
+    scenarios_.erase(found);
+    ++changes_;
+  }
   return taken;
 }
 
@@ -56,6 +61,16 @@ bool ScenarioSet::refuses() const {
   const std::lock_guard lock(mutex_);
   return std::any_of(scenarios_.begin(), scenarios_.end(),
                      [](const Scenario& scenario) { return scenario.fault == Fault::refuse; });
+}
+
+std::vector<Scenario> ScenarioSet::all() const {
+  const std::lock_guard lock(mutex_);
+  return scenarios_;
+}
+
+std::uint64_t ScenarioSet::changes() const {
+  const std::lock_guard lock(mutex_);
+  return changes_;
 }
 
 std::vector<std::string> ScenarioSet::names() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -30,6 +31,9 @@ class ScenarioSet {
   std::optional<Fault> certificateFault() const;
   bool refuses() const;
 
+  std::vector<Scenario> all() const;
+  // Grows with every change.
+  std::uint64_t changes() const;
   // As parseScenario() reads them.
   std::vector<std::string> names() const;
 
@@ -38,6 +42,7 @@ class ScenarioSet {
 
   mutable std::mutex mutex_;
   std::vector<Scenario> scenarios_;
+  std::uint64_t changes_ = 0;
 };
 
 }  // namespace kestrova::sandbox

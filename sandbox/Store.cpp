@@ -11,6 +11,7 @@
 #include <sys/file.h>
 
 #include "sandbox/Files.h"
+#include "sandbox/Schema.h"
 #include "sandbox/Sql.h"
 #include "sandbox/Text.h"
 
@@ -19,36 +20,6 @@ namespace kestrova::sandbox {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr int schemaVersion = 1;
-constexpr const char* schema = R"sql(
-  CREATE TABLE authentications (
-    position INTEGER PRIMARY KEY AUTOINCREMENT, key TEXT UNIQUE, api_key TEXT, opened TEXT);
-  CREATE TABLE requests (
-    id INTEGER PRIMARY KEY AUTOINCREMENT, received TEXT, method TEXT, target TEXT, head BLOB,
-    body BLOB, step TEXT, authentication TEXT, status INTEGER, fault TEXT);
-  CREATE INDEX requests_of_authentication ON requests (authentication);
-  -- kind: header, parameter or deviation; a deviation has no name
-  CREATE TABLE details (request INTEGER, kind TEXT, position INTEGER, name TEXT, value TEXT,
-    PRIMARY KEY (request, kind, position)) WITHOUT ROWID;
-  CREATE TABLE uploads (request INTEGER PRIMARY KEY, field TEXT, file_name TEXT,
-    content_type TEXT, size INTEGER, sha256 TEXT, path TEXT);
-  PRAGMA user_version = 1;
-)sql";
-
-void prepareSchema(sqlite3* database) {
-  // A write-ahead log without a sync each time: what was committed survives the process, though not
-  // a power failure.
-  execute(database, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;");
-  Statement version(database, "PRAGMA user_version");
-  version.next();
-  const auto found = version.number(0);
-  if (found == schemaVersion) return;
-  if (found != 0) throw SqlError("it was made by another version of the sandbox");
-  Transaction transaction(database);
-  execute(database, schema);
-  transaction.commit();
-}
 
 std::string sha256(std::string_view bytes) {
   std::string digest(32, '\0');
@@ -77,6 +48,34 @@ void addDetail(sqlite3* database, std::int64_t id, std::string_view kind, std::s
       .
       operator<<(value)
       .run();
+}
+
+constexpr std::size_t summaryBytes = 400;
+
+// What the request tells about its authentication.
+void addToSummary(sqlite3* database, const Request& request) {
+  if (request.authentication.empty()) return;
+  const bool finished =
+      request.step == "check_authentication_document_video_success" && request.status == 200;
+  Statement update(database,
+                   "UPDATE authentications SET requests = requests + 1,"
+                   " deviations = deviations + ?, faults = faults + ?, finished = max(finished, ?),"
+                   " last_received = ?, last_step = ? WHERE key = ?");
+  update << static_cast<std::int64_t>(request.deviations.size())
+         << std::int64_t{request.fault.empty() ? 0 : 1} << std::int64_t{finished ? 1 : 0}
+         << request.received << std::string_view(request.step).substr(0, summaryBytes)
+         << request.authentication;
+  update.run();
+  for (const auto& [step, field, column] : summaryFields) {
+    if (request.step != step) continue;
+    for (const auto& [name, value] : request.parameters) {
+      if (name != field) continue;
+      Statement set(database,
+                    "UPDATE authentications SET " + std::string(column) + " = ? WHERE key = ?");
+      set << std::string_view(value).substr(0, summaryBytes) << request.authentication;
+      set.run();
+    }
+  }
 }
 
 }  // namespace
@@ -130,7 +129,8 @@ Store::Store(fs::path directory, Descriptor lock, Database database, std::size_t
     : directory_(std::move(directory)),
       lock_(std::move(lock)),
       database_(std::move(database)),
-      count_(count) {}
+      count_(count),
+      start_(randomHex(8)) {}
 
 // A run that was killed may have left files behind whose requests were never answered.
 void Store::removeUnrecordedFiles() const {
@@ -205,8 +205,10 @@ std::optional<Failure> Store::record(const Request& request,
          << upload.path.filename().string();
     file.run();
   }
+  addToSummary(database, request);
   transaction.commit();
   ++count_;
+  ++changes_;
   grown_.notify_all();
   return std::nullopt;
 } catch (const SqlError& error) {

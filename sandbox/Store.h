@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -13,6 +15,7 @@
 
 #include "sandbox/Descriptor.h"
 #include "sandbox/Outcome.h"
+#include "sandbox/Records.h"
 #include "sandbox/Sandbox.h"
 #include "sandbox/StepContract.h"
 
@@ -20,6 +23,8 @@
 struct sqlite3;
 
 namespace kestrova::sandbox {
+
+class Statement;
 
 // An authentication that was opened.
 struct Authentication {
@@ -52,6 +57,22 @@ class Store {
   std::vector<Request> requests() const;                // in order of arrival
   bool waitForRequests(std::size_t count, std::chrono::milliseconds deadline) const;
 
+  std::vector<Summary> summaries(const SummaryQuery& query) const;
+  // How many fit, whatever `before` and `most` are.
+  std::int64_t countSummaries(const SummaryQuery& query) const;
+  std::optional<Summary> summary(std::string_view key) const;
+  std::int64_t countStrays() const;  // requests of no authentication
+  std::vector<Entry> entries(const EntryQuery& query) const;
+  std::optional<Entry> entry(std::int64_t id) const;
+
+  // Removes an authentication with its requests and files, where the key is empty the requests of
+  // none. What is removed is overwritten.
+  std::optional<Failure> remove(std::string_view key);
+  std::optional<Failure> removeAll();
+
+  // Changes with every change of the record, and with every start.
+  std::string revision() const;
+
  private:
   struct Close {
     void operator()(sqlite3* database) const;
@@ -61,6 +82,8 @@ class Store {
   Store(std::filesystem::path directory, Descriptor lock, Database database, std::size_t count);
 
   void removeUnrecordedFiles() const;
+  Entry readEntry(Statement& row) const;
+  std::optional<Failure> removeWhere(std::string_view condition, std::string_view key);
 
   std::filesystem::path directory_;
   Descriptor lock_;
@@ -68,6 +91,8 @@ class Store {
   Database database_;
   std::size_t count_;
   mutable std::condition_variable grown_;
+  std::string start_;
+  std::atomic<std::uint64_t> changes_{0};
 };
 
 }  // namespace kestrova::sandbox

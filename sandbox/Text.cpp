@@ -52,16 +52,22 @@ void appendHex(std::string& out, unsigned char byte) {
 
 }  // namespace
 
+std::size_t visibleLength(std::string_view bytes) {
+  const auto length = utf8Length(bytes);
+  const auto first = byteAt(bytes, 0);
+  // U+0080 to U+009F are control characters too; U+2000 to U+207F break, hide and turn text.
+  const bool hidden =
+      first < 0x20 || first == 0x7f || (length == 2 && first == 0xc2 && byteAt(bytes, 1) < 0xa0) ||
+      (length == 3 && (bytes.starts_with("\xe2\x80") || bytes.starts_with("\xe2\x81")));
+  return hidden ? 0 : length;
+}
+
 std::string printable(std::string_view bytes, std::size_t limit) {
   std::string out = "\"";
   const auto shown = bytes.substr(0, limit);
   for (std::size_t i = 0; i < shown.size();) {
     const char c = shown[i];
-    const auto length = utf8Length(shown.substr(i));
-    // U+0080 to U+009F are control characters too; U+2000 to U+207F break, hide and turn text.
-    const bool hidden =
-        (length == 2 && byteAt(shown, i) == 0xc2 && byteAt(shown, i + 1) < 0xa0) ||
-        (length == 3 && (shown.substr(i, 2) == "\xe2\x80" || shown.substr(i, 2) == "\xe2\x81"));
+    const auto length = visibleLength(shown.substr(i));
     if (c == '"' || c == '\\') {
       out += '\\';
       out += c;
@@ -69,7 +75,7 @@ std::string printable(std::string_view bytes, std::size_t limit) {
     } else if (c == '\n' || c == '\r' || c == '\t') {
       out += c == '\n' ? "\\n" : c == '\r' ? "\\r" : "\\t";
       ++i;
-    } else if (length == 0 || hidden || byteAt(shown, i) < 0x20 || c == 0x7f) {
+    } else if (length == 0) {
       out += "\\x";
       appendHex(out, byteAt(shown, i));
       ++i;

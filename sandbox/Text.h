@@ -14,6 +14,10 @@ std::string printable(std::string_view bytes, std::size_t limit = 200);
 // A JSON string literal. Bytes that are no well-formed UTF-8 become U+FFFD.
 std::string jsonString(std::string_view bytes);
 
+// Length of the well-formed UTF-8 character at the start of the bytes; 0 where there is none, and
+// for control characters and those that break, hide or turn text.
+std::size_t visibleLength(std::string_view bytes);
+
 bool isUtf8(std::string_view bytes);
 
 // ASCII only, without regard to the locale.

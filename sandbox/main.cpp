@@ -37,7 +37,7 @@ int run(Options options) {
   if (!sandbox) return fail(sandbox.error(), 1);
   const auto& running = *sandbox.value();
   printLine("Sandbox listening on https://localhost:" + std::to_string(running.port()));
-  printLine("Listing on http://localhost:" + std::to_string(running.listingPort()) + "/");
+  printLine("Console on http://localhost:" + std::to_string(running.listingPort()) + "/");
   printLine("Clients trust " + running.authorityFile().string());
 
   int signal = 0;

@@ -1,6 +1,8 @@
 #include <array>
 #include <charconv>
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -129,10 +131,48 @@ TEST_F(ProgramTest, WhatWasAnsweredOutlivesAKilledProcess) {
     EXPECT_EQ(program.end(SIGKILL), -SIGKILL);
   }
   Program program(arguments());
-  const auto port = program.portAfter("Listing on http://localhost:");
+  const auto port = program.portAfter("Console on http://localhost:");
   auto listing = TestClient::plain(port);
   listing.send("GET / HTTP/1.1\r\nHost: localhost:" + std::to_string(port) + "\r\n\r\n");
   EXPECT_NE(listing.receive()->body.find("authentication " + key + '\n'), std::string::npos);
+}
+
+TEST_F(ProgramTest, AKillInTheMiddleOfAnUploadLosesAndInventsNothing) {
+  const auto uploadOf = [](const std::string& key, const std::string& file) {
+    return postBytes("/api/v1/authentications/document_files",
+                     uploadBody({{"api_key", "k1"}, {"key", key}, {"step", "record_face_video"}},
+                                videoHead(), file),
+                     uploadType);
+  };
+  std::string key;
+  {
+    Program program(arguments());
+    auto connection = client(program);
+    connection.send(postBytes("/api/v1/authentications", initialize));
+    key = jsonValue(connection.receive()->body, "key");
+    connection.send(uploadOf(key, videoBytes));
+    EXPECT_EQ(connection.receive()->status, 200);
+    // More than the sockets between hold, so that the program has much of it and never all.
+    const auto large = uploadOf(key, videoBytes + std::string(std::size_t{32} << 20U, 'v'));
+    EXPECT_TRUE(connection.send(std::string_view(large).substr(0, large.size() - 1)));
+    EXPECT_EQ(program.end(SIGKILL), -SIGKILL);
+  }
+  Program program(arguments());
+  const auto port = program.portAfter("Console on http://localhost:");
+  auto pages = TestClient::plain(port);
+  const auto get = [&](const std::string& target) {
+    pages.send("GET " + target + " HTTP/1.1\r\nHost: localhost:" + std::to_string(port) +
+               "\r\nAccept: text/html\r\n\r\n");
+    return pages.receive().value_or(TestAnswer{});
+  };
+  const auto timeline = get("/authentications/" + key).body;
+  EXPECT_NE(timeline.find("<li id=\"request-1\""), std::string::npos);
+  EXPECT_NE(timeline.find("<li id=\"request-2\""), std::string::npos);
+  EXPECT_EQ(timeline.find("<li id=\"request-3\""), std::string::npos);
+  EXPECT_EQ(get("/files/2").body, videoBytes);
+  EXPECT_EQ(get("/files/3").status, 404);
+  const std::filesystem::directory_iterator files(store / "files");
+  EXPECT_EQ(std::distance(begin(files), end(files)), 1);
 }
 
 TEST_F(ProgramTest, WrongUsageAndFailedStartsAreOneLineWithAStatus) {

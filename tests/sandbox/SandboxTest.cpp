@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "sandbox/console/DeviationText.h"
+
 namespace kestrova::sandbox {
 
 const std::vector<std::string> stepsOfRun{"set_nationality",
@@ -64,6 +66,16 @@ TemporaryDirectory::TemporaryDirectory() {
 TemporaryDirectory::~TemporaryDirectory() {
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
+}
+
+void SandboxTest::TearDown() {
+  if (!sandbox) return;
+  for (const auto& request : sandbox->requests()) {
+    for (const auto& deviation : request.deviations) {
+      const bool counts = deviation.ends_with(" further deviations");
+      EXPECT_EQ(readDeviation(deviation).expected.empty(), counts) << deviation;
+    }
+  }
 }
 
 void SandboxTest::start(Options options) {

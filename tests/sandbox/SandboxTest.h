@@ -56,6 +56,9 @@ class SandboxTest : public testing::Test {
  protected:
   SandboxTest() { start(); }
 
+  // Each deviation that a test provoked can be shown beside what was expected.
+  void TearDown() override;
+
   // Starts anew, with the same store.
   void start(Options options = {});
 

@@ -1,9 +1,13 @@
 #include "sandbox/Store.h"
 
 #include <fstream>
+#include <memory>
 #include <string>
 
+#include <sqlite3.h>
+
 #include "sandbox/Files.h"
+#include "sandbox/Sql.h"
 #include "tests/sandbox/SandboxTest.h"
 
 namespace kestrova::sandbox {
@@ -59,6 +63,47 @@ TEST_F(StoreTest, FilesWithoutARecordedRequestAreRemoved) {
   start();
   EXPECT_TRUE(fs::exists(kept));
   EXPECT_FALSE(fs::exists(orphan));
+}
+
+TEST_F(StoreTest, AStoreOfTheFirstVersionIsBroughtUpToDate) {
+  const auto key = runUpTo("check_authentication_document_video_success");
+  assess(key);
+  sandbox->setScenario({.fault = Fault::noContent, .step = "signup", .once = true});
+  perform("signup", key);
+  postStep("api_key=k2&key=" + key + "&step=check_face_video");
+  sandbox.reset();
+  const auto summary = [&] { return Store::open(options().store).value()->summary(key).value(); };
+  const auto before = summary();
+  EXPECT_EQ(before.email, "a+b@example.org");
+  EXPECT_EQ(before.document, "DRIVERS_LICENSE");
+  EXPECT_EQ(before.assessment, "0.99");
+  EXPECT_EQ(before.requests, 14);
+  EXPECT_EQ(before.deviations, 1);
+  EXPECT_EQ(before.faults, 1);
+  EXPECT_TRUE(before.finished);
+  {
+    sqlite3* opened = nullptr;
+    ASSERT_EQ(sqlite3_open((options().store / "record.db").c_str(), &opened), SQLITE_OK);
+    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> database(opened, sqlite3_close);
+    execute(opened, "DROP INDEX requests_of_step");
+    for (const auto* const column :
+         {"last_received", "last_step", "email", "country", "document", "assessment", "requests",
+          "deviations", "faults", "finished"}) {
+      execute(opened, (std::string("ALTER TABLE authentications DROP COLUMN ") + column).c_str());
+    }
+    execute(opened, "PRAGMA user_version = 1");
+  }
+  const auto after = summary();
+  EXPECT_EQ(after.email, before.email);
+  EXPECT_EQ(after.country, before.country);
+  EXPECT_EQ(after.document, before.document);
+  EXPECT_EQ(after.assessment, before.assessment);
+  EXPECT_EQ(after.lastReceived, before.lastReceived);
+  EXPECT_EQ(after.lastStep, before.lastStep);
+  EXPECT_EQ(after.requests, before.requests);
+  EXPECT_EQ(after.deviations, before.deviations);
+  EXPECT_EQ(after.faults, before.faults);
+  EXPECT_EQ(after.finished, before.finished);
 }
 
 TEST_F(StoreTest, ADirectoryServesOneSandboxAtATime) {
