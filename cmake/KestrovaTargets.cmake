@@ -18,10 +18,10 @@ set(KESTROVA_BUNDLE_DIR "${PROJECT_BINARY_DIR}/share/kestrova/Kestrova.bundle")
 find_package(Threads REQUIRED)
 
 add_library(kestrova_options INTERFACE)
-target_compile_options(kestrova_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-  "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
-target_include_directories(kestrova_options INTERFACE "${PROJECT_SOURCE_DIR}")
+# Not for those who link the static library from an installed tree.
+target_compile_options(kestrova_options INTERFACE "$<BUILD_INTERFACE:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Werror;-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>")
+target_include_directories(kestrova_options INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+target_compile_features(kestrova_options INTERFACE cxx_std_20)
 target_link_libraries(kestrova_options INTERFACE Threads::Threads)
 
 if(KESTROVA_SANITIZE)

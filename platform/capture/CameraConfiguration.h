@@ -4,13 +4,15 @@
 #include <functional>
 #include <memory>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 class CameraSource;
 
 // Which cameras the process has. A host sets it before the first capture; a later one counts from
 // the next capture on, and forgets that access was granted. Any thread.
-struct CameraConfiguration {
+struct KESTROVA_EXPORT CameraConfiguration {
   using Maker = std::function<std::unique_ptr<CameraSource>()>;
 
   // A video device (/dev/video0), or what stands for a camera: a picture (PNG, JPEG), a folder of

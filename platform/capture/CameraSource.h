@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "platform/capture/CameraFrame.h"
+#include "platform/foundation/Export.h"
 #include "platform/foundation/Result.h"
 
 namespace kestrova::platform {
@@ -11,7 +12,7 @@ enum class CameraFlashMode { off = -1, automatic = 0, on = 1 };
 
 // A camera that can be opened: the seam between those who show pictures and what makes them. Calls
 // come from one thread at a time, never from the main one, and may wait for the device.
-class CameraSource {
+class KESTROVA_EXPORT CameraSource {
  public:
   struct Events {
     // On a thread of the camera's, one at a time.

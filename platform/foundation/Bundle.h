@@ -5,11 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 // A folder of named resources. Nothing is cached: each lookup looks at the files as they are. Any
 // thread.
-class Bundle {
+class KESTROVA_EXPORT Bundle {
  public:
   // The bundle in a folder; none where there is no such folder.
   static std::optional<Bundle> at(const std::filesystem::path& folder);

@@ -3,10 +3,12 @@
 #include <string>
 #include <string_view>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 // What a platform operation reports when it fails.
-struct NSError {
+struct KESTROVA_EXPORT NSError {
   std::string domain;
   int code = 0;
   // One line for people: what was tried and why it failed.

@@ -5,12 +5,14 @@
 #include <memory>
 #include <span>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 // A bitmap: rows from the top, each pixel a word 0xAARRGGBB of sRGB with the colours premultiplied
 // by alpha. That is what the screen draws fastest; colours under a small alpha lose precision, as
 // in any premultiplied bitmap. Shared as a pointer to const, and then usable on any thread.
-class CGImage {
+class KESTROVA_EXPORT CGImage {
  public:
   // No bitmap, decoded picture or drawing context has more pixels; in memory that is 200 MB. Enough
   // for the pictures of 48-megapixel cameras.

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 // A colour, fractions from 0 to 1 with alpha not premultiplied. Any thread.
-class UIColor {
+class KESTROVA_EXPORT UIColor {
  public:
   enum class ColorSpace { sRGB, displayP3 };
 

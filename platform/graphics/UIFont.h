@@ -5,10 +5,12 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 // A typeface at a size in points. Any thread.
-class UIFont {
+class KESTROVA_EXPORT UIFont {
  public:
   // The weights of the system's typeface.
   static constexpr double kRegularWeight = 0;

@@ -7,6 +7,7 @@
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Data.h"
+#include "platform/foundation/Export.h"
 #include "platform/foundation/Result.h"
 #include "platform/graphics/CGGeometry.h"
 #include "platform/graphics/CGImage.h"
@@ -20,7 +21,7 @@ class UIGraphicsImageContext;
 // A picture, or several that are shown in turn. Copies share everything. A picture made from a PNG
 // or JPEG file keeps the file's bytes and is decoded where pixels are needed, so that a damaged
 // file may show only then. Any thread; SVG drawings on the main thread alone.
-class UIImage {
+class KESTROVA_EXPORT UIImage {
  public:
   // `scale` is the pixels of a point. `image` may not be null.
   explicit UIImage(std::shared_ptr<const CGImage> image, double scale = 1,

@@ -5,13 +5,14 @@
 #include <optional>
 #include <string>
 
+#include "platform/foundation/Export.h"
 #include "platform/liveness/LivenessEngine.h"
 
 namespace kestrova::platform {
 
 // Takes pictures of whatever is before the front camera and proves nothing about it: for
 // development, tests and demonstrations. Takes every token but an empty one. Main thread.
-class DevelopmentEngine : public LivenessEngine {
+class KESTROVA_EXPORT DevelopmentEngine : public LivenessEngine {
  public:
   // What it tells of a run; the names are its own.
   static constexpr ZoomSDKStatus kNotInitialized{0};

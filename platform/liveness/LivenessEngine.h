@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/foundation/Export.h"
 #include "platform/liveness/ZoomCustomization.h"
 #include "platform/liveness/ZoomStatus.h"
 #include "platform/liveness/ZoomVerificationDelegate.h"
@@ -14,7 +15,7 @@ class UIViewController;
 
 // What stands behind the vendor's facade: an integrator's adapter to the library that the
 // integrator has a licence for, or the development engine. Called on the main thread.
-class LivenessEngine {
+class KESTROVA_EXPORT LivenessEngine {
  public:
   virtual ~LivenessEngine() = default;
 

@@ -2,12 +2,13 @@
 
 #include <optional>
 
+#include "platform/foundation/Export.h"
 #include "platform/liveness/ZoomVerificationResult.h"
 
 namespace kestrova::platform {
 
 // Who hears from the engine's capture screen. Either call may come on any thread.
-class ZoomVerificationDelegate {
+class KESTROVA_EXPORT ZoomVerificationDelegate {
  public:
   virtual ~ZoomVerificationDelegate() = default;
 

@@ -2,12 +2,13 @@
 
 #include <vector>
 
+#include "platform/foundation/Export.h"
 #include "platform/uikit/CALayer.h"
 
 namespace kestrova::platform {
 
 // A layer of colours that run into each other from top to bottom.
-class CAGradientLayer : public CALayer {
+class KESTROVA_EXPORT CAGradientLayer : public CALayer {
  public:
   // One colour covers the whole layer.
   const std::vector<UIColor>& colors() const { return colors_; }

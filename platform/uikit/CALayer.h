@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/foundation/Export.h"
 #include "platform/graphics/CGGeometry.h"
 #include "platform/graphics/UIColor.h"
 #include "platform/uikit/CAKeyframeAnimation.h"
@@ -16,7 +17,7 @@ namespace kestrova::platform {
 class Canvas;
 
 // How a view's ground and edge look, and what moves on it. Owned by its view. Main thread.
-class CALayer {
+class KESTROVA_EXPORT CALayer {
  public:
   CALayer() = default;
   CALayer(const CALayer&) = delete;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/dispatch/DispatchBlock.h"
+#include "platform/foundation/Export.h"
 #include "platform/uikit/UIResponder.h"
 
 namespace kestrova::platform {
@@ -16,7 +17,7 @@ inline constexpr std::string_view UIApplicationOpenSettingsURLString = "app-sett
 
 // The process's interface: the toolkit's application object, the host's own or one that main()
 // makes. Drains the main queue in the application's loop. Main thread.
-class UIApplication : public UIResponder {
+class KESTROVA_EXPORT UIApplication : public UIResponder {
  public:
   // For a host without an application object: makes it, calls `didFinishLaunching` in its loop, and
   // returns the exit status when the loop has ended.

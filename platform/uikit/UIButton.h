@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/foundation/Export.h"
 #include "platform/graphics/UIFont.h"
 #include "platform/graphics/UIImage.h"
 #include "platform/uikit/UIControl.h"
@@ -16,7 +17,7 @@ enum class UIControlState { normal, disabled };
 
 // A title, with an image before it, in the middle of its ground. Pressed it is 8 % darker. Takes
 // touches up to 44 x 44 points about its middle where no other control lies there. Main thread.
-class UIButton : public UIControl {
+class KESTROVA_EXPORT UIButton : public UIControl {
  public:
   static constexpr double kFontSize = 17;
   static constexpr double kLeastTarget = 44;

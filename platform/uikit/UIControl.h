@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/foundation/Export.h"
 #include "platform/uikit/UIView.h"
 
 namespace kestrova::platform {
@@ -17,7 +18,7 @@ enum class UIControlEvents {
 };
 
 // A view that people operate. Space and Enter do what a tap does. Main thread.
-class UIControl : public UIView {
+class KESTROVA_EXPORT UIControl : public UIView {
  public:
   using Action = std::function<void(const std::shared_ptr<UIControl>& sender)>;
 

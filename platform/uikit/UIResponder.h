@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 class UIBindings;
@@ -13,7 +15,7 @@ class UIControl;
 
 // What can answer events: views, view controllers, the application. Objects of this layer live on
 // the main thread and are made by std::make_shared.
-class UIResponder : public std::enable_shared_from_this<UIResponder> {
+class KESTROVA_EXPORT UIResponder : public std::enable_shared_from_this<UIResponder> {
  public:
   using Action = std::function<void(const std::shared_ptr<UIControl>& sender)>;
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/foundation/Export.h"
 #include "platform/graphics/CGGeometry.h"
 #include "platform/graphics/UIColor.h"
 #include "platform/uikit/CALayer.h"
@@ -52,7 +53,7 @@ enum class UIViewContentMode {
 // widget of the toolkit and therefore needs the application object (UIApplication::exists());
 // without one the constructor throws std::logic_error. Lengths are points, the upper left corner
 // is the origin. Main thread.
-class UIView : public UIResponder {
+class KESTROVA_EXPORT UIView : public UIResponder {
  public:
   UIView();
   explicit UIView(const CGRect& frame);

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/foundation/Export.h"
 #include "platform/uikit/UINavigationItem.h"
 #include "platform/uikit/UIResponder.h"
 #include "platform/uikit/UIStoryboardSegue.h"
@@ -24,7 +25,7 @@ enum class UIModalPresentationStyle { fullScreen = 0, overFullScreen = 5, overCu
 enum class UIModalTransitionStyle { coverVertical = 0, crossDissolve = 2 };
 
 // A screen. Main thread.
-class UIViewController : public UIResponder {
+class KESTROVA_EXPORT UIViewController : public UIResponder {
  public:
   UIViewController();
   ~UIViewController() override;

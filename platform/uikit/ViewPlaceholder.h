@@ -5,6 +5,8 @@
 
 #include <QtWidgets/QWidget>
 
+#include "platform/foundation/Export.h"
+
 namespace kestrova::platform {
 
 class UIView;
@@ -13,7 +15,7 @@ class UIWindow;
 // A widget for a host's own forms that shows one of our views: as large as the view wants to be, a
 // part of the host's order of tabs and of what assistive technology sees. The view's responders go
 // on with the controller that the host has wrapped around a widget above. Main thread.
-class ViewPlaceholder : public QWidget {
+class KESTROVA_EXPORT ViewPlaceholder : public QWidget {
  public:
   // `make` is called at once; where it gives null, the widget stays empty.
   ViewPlaceholder(const std::function<std::shared_ptr<UIView>()>& make, QWidget* parent);

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/foundation/Bundle.h"
-#include "sdk/Export.h"
+#include "platform/foundation/Export.h"
 #include "sdk/Platform.h"
 #include "sdk/core/KestrovaErrors.h"
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "sdk/Export.h"
+#include "platform/foundation/Export.h"
 
 namespace kestrova {
 

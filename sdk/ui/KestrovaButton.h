@@ -3,8 +3,8 @@
 #include <functional>
 #include <memory>
 
+#include "platform/foundation/Export.h"
 #include "platform/uikit/UIButton.h"
-#include "sdk/Export.h"
 #include "sdk/Platform.h"
 #include "sdk/core/KestrovaErrors.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/foundation/Export.h"
 #include "platform/uikit/ViewPlaceholder.h"
-#include "sdk/Export.h"
 
 namespace kestrova {
 
