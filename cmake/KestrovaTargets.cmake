@@ -24,6 +24,9 @@ target_include_directories(kestrova_options INTERFACE "$<BUILD_INTERFACE:${PROJE
 target_compile_features(kestrova_options INTERFACE cxx_std_20)
 target_link_libraries(kestrova_options INTERFACE Threads::Threads)
 
+# So that the linker leaves out what nobody calls.
+add_compile_options($<$<CONFIG:Release>:-ffunction-sections> $<$<CONFIG:Release>:-fdata-sections>)
+
 if(KESTROVA_SANITIZE)
   add_compile_options(-fsanitize=${KESTROVA_SANITIZE} -fno-omit-frame-pointer
                       -fno-sanitize-recover=all)
@@ -34,12 +37,15 @@ if(KESTROVA_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# kestrova_module(NAME SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
-# One static library a folder. Third-party libraries go to PRIVATE_LINKS: their headers are for the
+# kestrova_module(NAME [SMALL] SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
+# One static library a folder. SMALL, where no time is spent: what ships is made small, not fast. Third-party libraries go to PRIVATE_LINKS: their headers are for the
 # folder's own .cpp files.
 function(kestrova_module name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(arg "SMALL" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
+  if(arg_SMALL)
+    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-Os>)
+  endif()
   target_link_libraries(${name} PUBLIC kestrova_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()
 

@@ -29,7 +29,7 @@ CameraConfiguration::Maker named(const std::filesystem::path& path,
 }
 
 CameraConfiguration::Maker found(Position position) {
-  if (V4L2Device::cameras().empty()) return {};
+  if (!V4L2Device::isThere()) return {};
   return [isFront = position == Position::front] { return VideoCamera::system(isFront); };
 }
 

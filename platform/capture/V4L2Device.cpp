@@ -20,6 +20,17 @@ FileDescriptor open(const std::filesystem::path& path) {
   return FileDescriptor(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
 }
 
+std::vector<std::filesystem::path> devices() {
+  std::vector<std::filesystem::path> found;
+  std::error_code none;
+  for (const auto& entry : std::filesystem::directory_iterator("/dev", none)) {
+    const auto name = entry.path().filename().string();
+    if (name.starts_with("video") && entry.is_character_file(none)) found.push_back(entry.path());
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
 template <typename Argument>
 bool control(const FileDescriptor& device, unsigned long request, Argument& argument) {
   int result = 0;
@@ -49,16 +60,16 @@ bool setLamp(const FileDescriptor& device, int mode) {
 
 }  // namespace
 
+bool V4L2Device::isThere() {
+  return !devices().empty();
+}
+
 std::vector<std::filesystem::path> V4L2Device::cameras() {
-  std::vector<std::filesystem::path> found;
-  std::error_code none;
-  for (const auto& entry : std::filesystem::directory_iterator("/dev", none)) {
-    const auto name = entry.path().filename().string();
-    if (!name.starts_with("video") || !entry.is_character_file(none)) continue;
-    const auto device = open(entry.path());
-    if (!device || givesPictures(device)) found.push_back(entry.path());
-  }
-  std::sort(found.begin(), found.end());
+  auto found = devices();
+  std::erase_if(found, [](const auto& path) {
+    const auto device = open(path);
+    return device && !givesPictures(device);
+  });
   return found;
 }
 

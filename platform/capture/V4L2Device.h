@@ -10,6 +10,8 @@ namespace kestrova::platform {
 
 // What is asked of a video device directly, without the media framework. Any thread.
 struct V4L2Device {
+  // Whether the system has video devices at all, cameras or not. Opens nothing.
+  static bool isThere();
   // The system's devices that give pictures, those that cannot be opened now included.
   static std::vector<std::filesystem::path> cameras();
   // Whether the path is a device's.

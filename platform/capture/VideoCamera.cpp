@@ -503,10 +503,15 @@ Result<Done> VideoCamera::start(Events events) {
     pipeline_->isTold = true;
   }
   if (const auto opened = pipeline_->open(std::nullopt); !opened) return opened;
-  const std::lock_guard lock(pipeline_->mutex);
-  if (pipeline_->failure) return *pipeline_->failure;
-  pipeline_->isOpen = true;
-  return Done{};
+  std::optional<NSError> failure;
+  {
+    const std::lock_guard lock(pipeline_->mutex);
+    failure = pipeline_->failure;
+    pipeline_->isOpen = !failure;
+  }
+  if (!failure) return Done{};
+  pipeline_->close();
+  return *failure;
 }
 
 void VideoCamera::stop() {

@@ -179,7 +179,11 @@ void DevelopmentScreen::end(ZoomVerificationStatus status) {
   const auto tell = [weak = run_.delegate, result = result(status),
                      elsewhere = run_.rehearsal.answersElsewhere] {
     const auto report = [weak, result] {
-      if (const auto alive = weak.lock()) alive->onZoomVerificationResult(result);
+      auto alive = weak.lock();
+      if (!alive) return;
+      alive->onZoomVerificationResult(result);
+      // A delegate is a screen: if this is the last to hold it, it goes on the main thread.
+      DispatchQueue::main().async([alive = std::move(alive)] {});
     };
     if (!elsewhere) return report();
     DispatchQueue::global(DispatchQoS::userInitiated).async(report);

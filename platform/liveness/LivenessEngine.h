@@ -29,7 +29,8 @@ class KESTROVA_EXPORT LivenessEngine {
                           std::function<void(bool success)> completion) = 0;
   virtual ZoomSDKStatus status() const = 0;
   // A screen for one run, to be presented over others; it goes by itself when the run has ended and
-  // tells the delegate, which it does not keep alive. A host may dismiss it earlier: the camera is
+  // tells the delegate, which it does not keep alive; who holds it for the call on another thread
+  // lets go of it on the main one, as it may be the last. A host may dismiss it earlier: the camera is
   // free then, and the delegate hears nothing more.
   virtual std::shared_ptr<UIViewController> makeCaptureScreen(
       const ZoomCustomization& customization, int auditTrailType,

@@ -66,6 +66,9 @@ void DocumentCaptureViewController::imagePickerControllerDidFinishPickingMediaWi
   } else {
     hasFailed_ = true;
     showLoading(false);
+    // Another try begins as the first one did.
+    mediaUI->setCameraOverlayView(nullptr);
+    addOberserver();
   }
 }
 

@@ -209,13 +209,13 @@ void MoveHeadViewController::uploadVideoAndLivenessScore(const std::filesystem::
                        [weak = std::weak_ptr(shared(this)), apiKey,
                         authentication_key](const JSONDictionary& answer) {
                          print("recordFaceVideo response: " + description(answer));
-                         const auto alive = weak.lock();
-                         if (!alive) return;
-                         if (const auto overlay = alive->loadingView.lock()) {
-                           overlay->setHidden(true);
+                         if (const auto alive = weak.lock()) {
+                           if (const auto overlay = alive->loadingView.lock()) {
+                             overlay->setHidden(true);
+                           }
+                           alive->performSegue(Segues::scanDocumentSegue, alive);
                          }
-                         alive->performSegue(Segues::scanDocumentSegue, alive);
-                         alive->recordStepInBackend(apiKey, authentication_key);
+                         recordStepInBackend(apiKey, authentication_key);
                        });
   API::sendLivenessScore(
       apiKey, authentication_key,

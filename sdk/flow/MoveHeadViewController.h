@@ -46,7 +46,8 @@ class MoveHeadViewController : public UIViewController, public ZoomVerificationD
 
   void setZoomCustomizationBasedOnDevice();
   void uploadVideoAndLivenessScore(const std::filesystem::path& url, double livenessScore);
-  void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
+  // Also where the screen has gone: the backend has the upload.
+  static void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
 
  private:
   void accessAnswered(bool granted);

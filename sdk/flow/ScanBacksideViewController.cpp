@@ -26,10 +26,10 @@ void ScanBacksideViewController::uploadBackSideScan(const std::filesystem::path&
   API::recordAuthenticationDocumentPicBACK(
       url, keys->apiKey, keys->authentication_key,
       [weak = std::weak_ptr(shared(this)), keys = *keys](const JSONDictionary&) {
-        const auto alive = weak.lock();
-        if (!alive) return;
-        alive->performSegue(Segues::showFinalCongratsAfterBackSide, alive);
-        alive->recordStepInBackend(keys.apiKey, keys.authentication_key);
+        if (const auto alive = weak.lock()) {
+          alive->performSegue(Segues::showFinalCongratsAfterBackSide, alive);
+        }
+        recordStepInBackend(keys.apiKey, keys.authentication_key);
       });
 }
 

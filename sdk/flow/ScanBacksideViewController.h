@@ -12,7 +12,8 @@ class ScanBacksideViewController : public DocumentCaptureViewController {
   void bind(UIBindings& bindings) override;
   void takePhotoOfBacksideDocument(const std::shared_ptr<UIControl>& sender);
   void uploadBackSideScan(const std::filesystem::path& url);
-  void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
+  // Also where the screen has gone: the backend has the upload.
+  static void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
 
  protected:
   std::string_view fileName() const override { return "pictureBackside.png"; }

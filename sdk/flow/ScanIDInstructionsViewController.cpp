@@ -26,9 +26,9 @@ void ScanIDInstructionsViewController::uploadFrontPicDocument(const std::filesys
   API::recordAuthenticationDocumentPicFRONT(
       url, keys->apiKey, keys->authentication_key,
       [weak = std::weak_ptr(shared(this)), keys = *keys](const JSONDictionary&) {
+        recordStepInBackend(keys.apiKey, keys.authentication_key);
         const auto alive = weak.lock();
         if (!alive) return;
-        alive->recordStepInBackend(keys.apiKey, keys.authentication_key);
         alive->performSegue(alive->selectedDocumentType == "PASSPORT"
                                 ? Segues::showCongratsScreen
                                 : Segues::scanBackSideOfDocument,

@@ -15,7 +15,8 @@ class ScanIDInstructionsViewController : public DocumentCaptureViewController {
   void bind(UIBindings& bindings) override;
   void takePhotoOfFrontDocument(const std::shared_ptr<UIControl>& sender);
   void uploadFrontPicDocument(const std::filesystem::path& url);
-  void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
+  // Also where the screen has gone: the backend has the upload.
+  static void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
 
  protected:
   std::string_view fileName() const override { return "picture.png"; }

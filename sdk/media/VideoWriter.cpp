@@ -117,6 +117,9 @@ void CXEImagesToVideo::write(const std::vector<std::any>& images,
   }
   writeInput->markAsFinished();
   assetWriter->finishWriting([self = shared_from_this()] {
+    if (const auto error = self->assetWriter->error()) {
+      print("Kestrova: the movie is not whole: " + error->localizedDescription);
+    }
     const bool isTold =
         DispatchQueue::main().sync([&self] { self->completionBlock(*self->fileURL); });
     if (!isTold) print("Kestrova: the application has ended before its movie");

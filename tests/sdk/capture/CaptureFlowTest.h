@@ -1,8 +1,13 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +20,7 @@
 #include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIAlertController.h"
 #include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIClassRegistry.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UIWindow.h"
 #include "sdk/flow/ChooseDocumentTypeViewController.h"
@@ -29,6 +35,82 @@
 namespace kestrova::test {
 
 using Rehearsal = DevelopmentEngine::Rehearsal;
+
+// The moment at which the form of one step is handed to the transport, on whatever thread.
+class Sending {
+ public:
+  explicit Sending(const std::string& step) : field_("step=" + step + "&") {}
+
+  // What is looked at in that moment.
+  std::function<bool()> look = [] { return false; };
+  bool seen() const { return hasSeen_; }
+  bool waitFor(std::chrono::seconds atMost) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, atMost, [this] { return isSent_; });
+  }
+
+  void tell(const std::string& body) {
+    if ((body + "&").find(field_) == std::string::npos) return;
+    hasSeen_ = look();
+    {
+      const std::lock_guard lock(mutex_);
+      isSent_ = true;
+    }
+    changed_.notify_all();
+  }
+
+ private:
+  const std::string field_;
+  std::atomic<bool> hasSeen_ = false;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool isSent_ = false;
+};
+
+// Tells of each form before it is sent.
+class TellingTransport : public HTTPTransport {
+ public:
+  explicit TellingTransport(HTTPTransportConfiguration configuration)
+      : HTTPTransport(configuration.temporaryDirectory),
+        inner_(HTTPTransport::make(std::move(configuration))) {}
+  void send(HTTPRequest request, Completion completion) override {
+    for (const auto& each : sendings) each->tell(request.body);
+    inner_->send(std::move(request), std::move(completion));
+  }
+
+  // Complete before the first request.
+  std::vector<std::shared_ptr<Sending>> sendings;
+
+ private:
+  std::shared_ptr<HTTPTransport> inner_;
+};
+
+// A screen of the flow that tells when a segue has made it.
+template <typename Screen>
+class Arriving : public Screen {
+ public:
+  static inline std::function<void()> arrived;
+  void viewDidLoad() override {
+    arrived();
+    Screen::viewDidLoad();
+  }
+};
+
+// Stands in for a screen as long as it lives.
+template <typename Screen>
+class ArrivalWatch {
+ public:
+  ArrivalWatch(std::string name, std::function<void()> arrived) : name_(std::move(name)) {
+    Arriving<Screen>::arrived = std::move(arrived);
+    UIClassRegistry::registerClass<Arriving<Screen>>(name_);
+  }
+  ~ArrivalWatch() { UIClassRegistry::registerClass<Screen>(name_); }
+  ArrivalWatch(const ArrivalWatch&) = delete;
+  ArrivalWatch& operator=(const ArrivalWatch&) = delete;
+
+ private:
+  std::string name_;
+};
 
 // The flow's screens with a camera: a scripted device unless the test sets another, the development
 // engine, and a documents directory of the test's own.
@@ -105,6 +187,27 @@ class CaptureFlowTest : public FlowTest {
     finishMotion();
   }
 
+  // To be called before the first request.
+  std::shared_ptr<Sending> sent(const std::string& step) {
+    if (!telling_) {
+      telling_ = std::make_shared<TellingTransport>(configuration);
+      BackendTransport::replace(telling_);
+    }
+    return telling_->sendings.emplace_back(std::make_shared<Sending>(step));
+  }
+  // The screen's animation plays once however often it comes and goes.
+  template <typename Screen>
+  void expectOneAnimation(Screen& screen, const std::weak_ptr<UIView>& container) {
+    EXPECT_EQ(container.lock()->subviews().size(), 1U);
+    push<WarningViewController>("Warning");
+    finishMotion();
+    EXPECT_EQ(container.lock()->subviews().size(), 0U);
+    navigation()->popViewController(false);
+    finishMotion();
+    EXPECT_EQ(top<Screen>().get(), &screen);
+    EXPECT_EQ(container.lock()->subviews().size(), 1U);
+  }
+
   // Steps of the requests that arrived, in order.
   std::vector<std::string> steps() const {
     std::vector<std::string> all;
@@ -142,6 +245,9 @@ class CaptureFlowTest : public FlowTest {
   }
 
   std::shared_ptr<ScriptedDevice> device = std::make_shared<ScriptedDevice>();
+
+ private:
+  std::shared_ptr<TellingTransport> telling_;
 };
 
 }  // namespace kestrova::test

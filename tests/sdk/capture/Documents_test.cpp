@@ -1,3 +1,9 @@
+#include <csignal>
+#include <random>
+
+#include <sys/resource.h>
+
+#include "platform/foundation/NotificationCenter.h"
 #include "platform/uikit/UIImageView.h"
 #include "tests/sdk/capture/CaptureFlowTest.h"
 
@@ -89,6 +95,60 @@ TEST_F(Documents, EndWithTheBackUnderTheNameOfAPicture) {
   expectNoDeviation();
 }
 
+TEST_F(Documents, AreCheckedBeforeTheFrontLeadsOnAndAfterTheBackHas) {
+  const auto front = sent("check_authentication_document_video");
+  const auto back = sent("check_authentication_document_video_back");
+  const auto screen = openFront("NATIONAL_ID_CARD");
+  // The front's check was started before: it goes on while the segue waits.
+  const test::ArrivalWatch<ScanBacksideViewController> atBack(
+      "ScanBacksideViewController", [&] { EXPECT_TRUE(front->waitFor(std::chrono::seconds(10))); });
+  const auto hasArrived = std::make_shared<std::atomic<bool>>(false);
+  const test::ArrivalWatch<CongratsViewController> atEnd("CongratsViewController",
+                                                         [=] { *hasArrived = true; });
+  photograph(*screen);
+  const auto behind = waitForTop<ScanBacksideViewController>();
+  ASSERT_TRUE(behind);
+  // Answered when the camera's screen has gone: a segue would wait for that.
+  play("slow-bytes@record_authentication_document_video_back:once");
+  back->look = [=] { return hasArrived->load(); };
+  photograph(*behind);
+  ASSERT_TRUE(watchUntil([&] { return back->waitFor({}); }));
+  EXPECT_TRUE(back->seen());
+}
+
+TEST_F(Documents, AreCheckedAlsoWhenTheFlowHasGone) {
+  play("slow-bytes@record_authentication_document_video:once");
+  photograph(*openFront("PASSPORT"));
+  ASSERT_TRUE(watchUntil([&] { return countOf("record_authentication_document_video") == 1; }));
+  wrapper->dismiss(false);
+  EXPECT_TRUE(watchUntil([&] {
+    return linesThatBegin("checkAuthenticationDocumentPicFRONT response: [").size() == 1;
+  }));
+  play("slow-bytes@record_authentication_document_video_back:once");
+  photograph(*openBack());
+  ASSERT_TRUE(
+      watchUntil([&] { return countOf("record_authentication_document_video_back") == 1; }));
+  wrapper->dismiss(false);
+  EXPECT_TRUE(watchUntil([&] {
+    return linesThatBegin("checkAuthenticationDocumentPicBACK response: [").size() == 1;
+  }));
+}
+
+TEST_F(Documents, WaitUnderTheirOverlayWithoutAPicture) {
+  const auto screen = openFront("PASSPORT");
+  expectOneAnimation(*screen, screen->IDGIFCointainer);
+  openPicker(*screen);
+  screen->imagePickerControllerDidFinishPickingMediaWithInfo(*screen->mediaUI, {});
+  finishMotion();
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  EXPECT_FALSE(screen->loadingView.lock()->isHidden());
+  EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
+  // Nobody listens for the shot any more.
+  const auto overlay = screen->mediaUI->cameraOverlayView();
+  NotificationCenter::defaultCenter().post({kUserDidCaptureItem, nullptr, {}});
+  EXPECT_EQ(screen->mediaUI->cameraOverlayView(), overlay);
+}
+
 TEST_F(Documents, AreNotSentWithoutKeysTheAuthenticationKeyFirst) {
   auto front = openFront("PASSPORT");
   Kestrova::authentication_key.reset();
@@ -105,6 +165,12 @@ TEST_F(Documents, AreNotSentWithoutKeysTheAuthenticationKeyFirst) {
 }
 
 TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
+  // That no encoder makes small.
+  const auto noise = CGImage::make(900, 1200);
+  std::ranges::generate(noise->pixels(), [random = std::mt19937(1)]() mutable {
+    return 0xff000000U | (std::uint32_t(random()) & 0xffffffU);
+  });
+  device->picture = noise;
   // A file where the directory is to be.
   std::filesystem::create_directories(directory.path() / "data");
   const auto documents = FileManager::documentDirectory().value();
@@ -116,6 +182,28 @@ TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
   EXPECT_TRUE(screen->loadingView.lock()->isHidden());
   EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
   std::filesystem::remove(documents);
+
+  // A full disk: the system refuses to let the file grow. The outline is as large as at first, and
+  // goes with the shot.
+  openPicker(*screen);
+  const auto outline = screen->mediaUI->cameraOverlayView();
+  EXPECT_EQ(outline->frame().size, (CGSize{300, 667 * 0.6}));
+  tap(*screen->mediaUI, "Take photo");
+  ASSERT_TRUE(watchUntil([&] { return shows("Use photo"); }));
+  EXPECT_EQ(outline->superview(), nullptr);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small{64 * 1024, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  tap(*screen->mediaUI, "Use photo");
+  const bool isTold =
+      watchUntil([&] { return linesThatBegin("Kestrova: the picture is not kept: ").size() == 2; });
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_TRUE(isTold);
+  finishMotion();
+  EXPECT_TRUE(std::filesystem::is_empty(documents));
   photograph(*screen);
   EXPECT_TRUE(waitForTop<CongratsViewController>());
 }

@@ -9,6 +9,38 @@ namespace {
 using test::Rehearsal;
 using Ending = Rehearsal::Ending;
 
+// Remembers what it is told; its screen is an empty one.
+class ToldEngine : public LivenessEngine {
+ public:
+  void preload() override { calls.emplace_back("preload"); }
+  void setFacemapEncryptionKey(const std::string& publicKey) override {
+    calls.push_back(publicKey);
+  }
+  void initialize(const std::string& appToken, std::function<void(bool)> completion) override {
+    calls.push_back(appToken);
+    completion(true);
+  }
+  ZoomSDKStatus status() const override {
+    ++asked;
+    return answer;
+  }
+  std::shared_ptr<UIViewController> makeCaptureScreen(
+      const ZoomCustomization& customization, int auditTrailType,
+      std::weak_ptr<ZoomVerificationDelegate> delegate) override {
+    EXPECT_TRUE(delegate.lock());
+    calls.push_back("screen " + std::to_string(auditTrailType));
+    look = customization;
+    screen = std::make_shared<UIViewController>();
+    return screen;
+  }
+
+  ZoomSDKStatus answer{1};
+  mutable int asked = 0;
+  std::vector<std::string> calls;
+  ZoomCustomization look;
+  std::shared_ptr<UIViewController> screen;
+};
+
 class Selfie : public test::CaptureFlowTest {
  protected:
   std::shared_ptr<MoveHeadViewController> open() {
@@ -17,6 +49,15 @@ class Selfie : public test::CaptureFlowTest {
   }
   static void rehearse(const Rehearsal& rehearsal) {
     DevelopmentEngine::shared()->setRehearsal(rehearsal);
+  }
+  static std::string movieName() { return "exprotvideo.mp4"; }
+  // Whether somebody in this process still writes or reads it.
+  static bool isMovieOpen() {
+    std::error_code gone;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+      if (std::filesystem::read_symlink(entry, gone).filename() == movieName()) return true;
+    }
+    return false;
   }
   std::size_t resultLines() const { return linesThatBegin("sessionID: ").size(); }
 };
@@ -94,12 +135,72 @@ TEST_F(Selfie, StaysWhereTheEngineIsNotReady) {
   rehearse({.initializes = false, .answersElsewhere = true});
   tap(*screen, "Start");
   ASSERT_TRUE(watchUntil([&] { return hasLine("Zoom failed to initialize"); }));
-  rehearse({.isReady = false});
+  const auto engine = std::make_shared<ToldEngine>();
+  engine->answer = ZoomSDKStatus{2};
+  LivenessEngine::setCurrent(engine);
   tap(*screen, "Start");
-  bool isIdle = false;
-  DispatchQueue::main().asyncAfter(std::chrono::milliseconds(50), [&] { isIdle = true; });
-  ASSERT_TRUE(watchUntil([&] { return isIdle; }));
+  ASSERT_TRUE(watchUntil([&] { return engine->asked == 1; }));
+  settle();
+  LivenessEngine::setCurrent(nullptr);
+  EXPECT_EQ(engine->screen, nullptr);
   EXPECT_EQ(screen->presentedViewController(), nullptr);
+}
+
+TEST_F(Selfie, TellsTheEngineWhoAsksAndHowItIsToLook) {
+  const auto engine = std::make_shared<ToldEngine>();
+  LivenessEngine::setCurrent(engine);
+  const auto screen = open();
+  expectOneAnimation(*screen, screen->headGIFContainer);
+  tap(*screen, "Start");
+  ASSERT_TRUE(watchUntil([&] { return screen->presentedViewController() != nullptr; }));
+  LivenessEngine::setCurrent(nullptr);
+  EXPECT_EQ(screen->publicKey.size(), 450U);
+  EXPECT_EQ(engine->calls,
+            (std::vector<std::string>{"preload", screen->publicKey,
+                                      "Qx7RmT2vLk9PwZ4nHc8JsYd3BfG6aNeU", "screen 1"}));
+  EXPECT_EQ(screen->presentedViewController(), engine->screen);
+  EXPECT_EQ(engine->screen->modalPresentationStyle, UIModalPresentationStyle::overCurrentContext);
+  const auto& look = engine->look;
+  EXPECT_FALSE(look.showPreEnrollmentScreen);
+  EXPECT_TRUE(look.enableLowLightMode);
+  EXPECT_EQ(look.frameCustomization.backgroundColor, UIColor::white());
+  EXPECT_EQ(look.frameCustomization.sizeRatio, 1.0);
+  EXPECT_EQ(look.feedbackCustomization.backgroundColor->colors(),
+            std::vector<UIColor>{UIColor::clear()});
+  EXPECT_EQ(look.feedbackCustomization.textColor, UIColor::white());
+  EXPECT_EQ(look.feedbackCustomization.topMargin, 667 * 0.5);
+  EXPECT_EQ(look.feedbackCustomization.textFont.fontName(), "Exo-Bold");
+  EXPECT_EQ(look.feedbackCustomization.textFont.pointSize(), 24);
+  EXPECT_EQ(look.ovalCustomization.strokeWidth, 2.0);
+  EXPECT_EQ(look.ovalCustomization.strokeColor, UIColor::black().withAlphaComponent(0.1));
+  EXPECT_EQ(look.ovalCustomization.progressColor1, UIColorExtensions::kestrovaBlue());
+  EXPECT_EQ(look.ovalCustomization.progressColor2, UIColorExtensions::kestrovaBlue());
+  EXPECT_EQ(look.ovalCustomization.progressStrokeWidth, 4.0);
+  EXPECT_EQ(look.ovalCustomization.progressRadialOffset, 0.0);
+}
+
+TEST_F(Selfie, IsCheckedAfterItHasLedOnAndAlsoWhenTheFlowHasGone) {
+  const auto hasArrived = std::make_shared<std::atomic<bool>>(false);
+  const auto check = sent("check_face_video");
+  check->look = [=] { return hasArrived->load(); };
+  open();
+  {
+    const test::ArrivalWatch<ChooseDocumentTypeViewController> watch(
+        "ChooseDocumentTypeViewController", [=] { *hasArrived = true; });
+    takeSelfie();
+    ASSERT_TRUE(watchUntil([&] { return check->waitFor({}); }));
+    EXPECT_TRUE(check->seen());
+  }
+  useTransport();
+  wrapper->dismiss(false);
+  settle();
+
+  open();
+  play("slow-bytes@record_face_video:once");
+  takeSelfie();
+  ASSERT_TRUE(watchUntil([&] { return countOf("record_face_video") == 2; }));
+  wrapper->dismiss(false);
+  EXPECT_TRUE(watchUntil([&] { return countOf("check_face_video") == 2; }));
 }
 
 TEST_F(Selfie, AsksForTheCameraAndOpensTheSettings) {
@@ -156,12 +257,19 @@ TEST_F(Selfie, CanBeLeftDuringTheRunTheEncodingAndTheUpload) {
   finishMotion();
   EXPECT_TRUE(watchUntil([&] { return gone.expired(); }));
 
-  // While the movie is made: nobody sends it.
+  // While the movie is made: nobody sends it. It is whole before the next one is begun.
+  device->picture = test::plain(1280, 960, 0xff204080);
   open();
   takeSelfie();
+  ASSERT_TRUE(watchUntil([&] { return resultLines() == 1; }));
+  wrapper->dismiss(false);
+  ASSERT_TRUE(watchUntil([] { return documents() == std::vector{movieName()} && !isMovieOpen(); }));
+  open();
+  takeSelfie();
+  ASSERT_TRUE(waitForTop<ChooseDocumentTypeViewController>());
+  EXPECT_EQ(countOf("record_face_video"), 1U);
   wrapper->dismiss(true);
   finishMotion();
-  EXPECT_EQ(countOf("record_face_video"), 0U);
 
   // While it is sent, to a backend that never answers.
   screen = open();
@@ -178,7 +286,6 @@ TEST_F(Selfie, ShowsTheEnginesScreenAsTheFlowWantsIt) {
   const auto screen = open();
   tap(*screen, "Start");
   ASSERT_TRUE(watchUntil([&] { return shows("Put your face in the oval"); }));
-  const auto shown = picture(flowWindow());
   // In the flow's blue, four points wide, once it is full.
   ASSERT_TRUE(watchUntil([&] { return shows("Thank you"); }));
   std::size_t blue = 0;

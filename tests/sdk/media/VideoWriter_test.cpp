@@ -1,7 +1,10 @@
 #include "sdk/media/VideoWriter.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <sstream>
+
+#include <sys/resource.h>
 
 #include "platform/dispatch/RunLoop.h"
 #include "tests/platform/graphics/Pictures.h"
@@ -157,6 +160,20 @@ TEST_F(VideoWriterTest, EndsWithOneLineAndNoFileWhereItCannotGoOn) {
   EXPECT_FALSE(make(writer(0, 48), std::vector<UIImage>{}));
   EXPECT_EQ(output.lines().back(), "add failed");
   EXPECT_FALSE(std::filesystem::exists(file));
+
+  // A disk that is full when the movie is ended: whoever waits for it is called all the same.
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit few{1000, before.rlim_max};
+  const auto cut = writer(320, 240);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &few), 0);
+  const auto made = make(cut, std::vector<UIImage>{plain(320, 240, 0xff204080)});
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_TRUE(made);
+  EXPECT_TRUE(output.lines().back().starts_with("Kestrova: the movie is not whole: "));
+  std::filesystem::remove(file);
 
   // A folder where the movie is to be, which cannot be removed.
   std::filesystem::create_directories(file / "inside");
