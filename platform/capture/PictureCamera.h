@@ -23,6 +23,8 @@ class PictureCamera : public CameraSource {
 
   explicit PictureCamera(std::filesystem::path path);
   ~PictureCamera() override;
+  PictureCamera(const PictureCamera&) = delete;
+  PictureCamera& operator=(const PictureCamera&) = delete;
 
   Result<Done> start(Events events) override;
   void stop() override;

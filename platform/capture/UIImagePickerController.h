@@ -26,6 +26,8 @@ class UIImagePickerController : public UIViewController {
  public:
   UIImagePickerController();
   ~UIImagePickerController() override;
+  UIImagePickerController(const UIImagePickerController&) = delete;
+  UIImagePickerController& operator=(const UIImagePickerController&) = delete;
 
   // Whether there is a camera; there are no photo libraries. Opens nothing.
   static bool isSourceTypeAvailable(UIImagePickerControllerSourceType sourceType);

@@ -192,7 +192,7 @@ struct VideoCamera::Pipeline {
 
   NSError errorOf(GstMessage& message);
   void messageCame(GstMessage& message);
-  void frameCame(MediaSample sample);
+  void frameCame(const MediaSample& sample);
   static GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer self);
   static GstFlowReturn onSample(GstAppSink* sink, gpointer self);
   static GstPadProbeReturn onFile(GstPad* pad, GstPadProbeInfo* info, gpointer self);
@@ -228,7 +228,7 @@ Result<Done> VideoCamera::Pipeline::open(std::optional<CameraMode> wanted) {
     failure.reset();
     round = Clock::now();
   }
-  const auto opened = isFile() ? openFile() : openDevice(wanted);
+  auto opened = isFile() ? openFile() : openDevice(wanted);
   if (opened) return opened;
   close();
   return opened.error();
@@ -267,7 +267,7 @@ Result<Done> VideoCamera::Pipeline::openDevice(std::optional<CameraMode> wanted)
       }
       origin.path = origin.isFront ? devices.front() : devices.back();
     }
-    if (const auto usable = V4L2Device::check(origin.path); !usable) return usable;
+    if (auto usable = V4L2Device::check(origin.path); !usable) return usable;
     source.reset(gst_element_factory_make("v4l2src", nullptr));
     if (!source) {
       return cameraError(CameraErrorCode::unsupported, "the framework has no element for cameras");
@@ -406,7 +406,7 @@ GstFlowReturn VideoCamera::Pipeline::onSample(GstAppSink* sink, gpointer self) {
   auto* const native = static_cast<GstSample*>(shared.native.get());
   auto sample = keep(
       gst_sample_new(gst_sample_get_buffer(native), gst_sample_get_caps(native), nullptr, nullptr));
-  static_cast<Pipeline*>(self)->frameCame(std::move(sample));
+  static_cast<Pipeline*>(self)->frameCame(sample);
   return GST_FLOW_OK;
 }
 
@@ -420,7 +420,7 @@ GstPadProbeReturn VideoCamera::Pipeline::onFile(GstPad* pad, GstPadProbeInfo* in
   return GST_PAD_PROBE_OK;
 }
 
-void VideoCamera::Pipeline::frameCame(MediaSample sample) {
+void VideoCamera::Pipeline::frameCame(const MediaSample& sample) {
   std::unique_lock lock(mutex);
   newest = sample;
   const PixelSize wanted = room;
@@ -495,14 +495,14 @@ std::unique_ptr<VideoCamera> VideoCamera::file(std::filesystem::path path) {
 }
 
 Result<Done> VideoCamera::start(Events events) {
-  if (const auto ready = startGStreamer(); !ready) return ready;
+  if (auto ready = startGStreamer(); !ready) return ready;
   {
     const std::lock_guard lock(pipeline_->mutex);
     pipeline_->events = std::move(events);
     pipeline_->started = Clock::now();
     pipeline_->isTold = true;
   }
-  if (const auto opened = pipeline_->open(std::nullopt); !opened) return opened;
+  if (auto opened = pipeline_->open(std::nullopt); !opened) return opened;
   std::optional<NSError> failure;
   {
     const std::lock_guard lock(pipeline_->mutex);

@@ -20,6 +20,8 @@ class VideoCamera : public CameraSource {
   static std::unique_ptr<VideoCamera> file(std::filesystem::path path);
 
   ~VideoCamera() override;
+  VideoCamera(const VideoCamera&) = delete;
+  VideoCamera& operator=(const VideoCamera&) = delete;
 
   Result<Done> start(Events events) override;
   void stop() override;

@@ -30,8 +30,8 @@ class KESTROVA_EXPORT LivenessEngine {
   virtual ZoomSDKStatus status() const = 0;
   // A screen for one run, to be presented over others; it goes by itself when the run has ended and
   // tells the delegate, which it does not keep alive; who holds it for the call on another thread
-  // lets go of it on the main one, as it may be the last. A host may dismiss it earlier: the camera is
-  // free then, and the delegate hears nothing more.
+  // lets go of it on the main one, as it may be the last. A host may dismiss it earlier: the camera
+  // is free then, and the delegate hears nothing more.
   virtual std::shared_ptr<UIViewController> makeCaptureScreen(
       const ZoomCustomization& customization, int auditTrailType,
       std::weak_ptr<ZoomVerificationDelegate> delegate) = 0;

@@ -35,7 +35,7 @@ CGPath corners(const CGRect& rect) {
 
 }  // namespace
 
-OvalView::OvalView(ZoomCustomization::Oval look) : look_(std::move(look)) {
+OvalView::OvalView(const ZoomCustomization::Oval& look) : look_(look) {
   setUserInteractionEnabled(false);
 }
 

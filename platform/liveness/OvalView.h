@@ -19,7 +19,7 @@ class OvalView : public UIView {
   static constexpr double kWidth = 0.8;
   static constexpr double kHeight = 0.75;
 
-  explicit OvalView(ZoomCustomization::Oval look);
+  explicit OvalView(const ZoomCustomization::Oval& look);
 
   void setPicture(const CGImage& picture);
   // From 0 to 1.

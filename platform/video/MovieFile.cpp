@@ -81,6 +81,9 @@ std::vector<std::uint8_t> pixels(const CVPixelBuffer& frame, std::size_t width,
 }  // namespace
 
 struct MovieFile::Pipeline {
+  Pipeline() = default;
+  Pipeline(const Pipeline&) = delete;
+  Pipeline& operator=(const Pipeline&) = delete;
   ~Pipeline() {
     if (all) gst_element_set_state(all.get(), GST_STATE_NULL);
   }
@@ -133,9 +136,9 @@ MovieFile::MovieFile(std::filesystem::path path, std::size_t width, std::size_t 
 MovieFile::~MovieFile() = default;
 
 Result<Done> MovieFile::open() {
-  if (const auto started = startGStreamer(); !started) return started;
+  if (auto started = startGStreamer(); !started) return started;
   // Private to the user, which the framework would not make it.
-  if (const auto made = FileManager::write({}, path_); !made) return made;
+  if (auto made = FileManager::write({}, path_); !made) return made;
   auto pipeline = std::make_unique<Pipeline>();
   GError* failure = nullptr;
   pipeline->all.reset(
@@ -177,7 +180,7 @@ Result<Done> MovieFile::open() {
 
 Result<Done> MovieFile::append(const CVPixelBuffer& frame, CMTime time) {
   if (!pipeline_) {
-    if (const auto opened = open(); !opened) return opened;
+    if (auto opened = open(); !opened) return opened;
   }
   const auto bytes = pixels(frame, width_, height_);
   GstBuffer* const buffer = gst_buffer_new_allocate(nullptr, bytes.size(), nullptr);

@@ -144,7 +144,7 @@ std::shared_ptr<UITableViewCell> ChooseCitizenViewController::tableViewCellForRo
     UITableView& table, const IndexPath& indexPath) {
   const auto& country = displayed()[indexPath.row];
   if (isSeparator(country)) return table.dequeueReusableCell("SeparatorCell");
-  const auto cell = table.dequeueReusableCell("CountryCell");
+  auto cell = table.dequeueReusableCell("CountryCell");
   if (const auto typed = std::dynamic_pointer_cast<ChooseCitizenCell>(cell)) {
     if (const auto label = typed->cityLabel.lock()) label->setText(capitalized(nameOf(country)));
     if (const auto icon = typed->iconView.lock()) icon->setImage(image(codeOf(country)));

@@ -20,7 +20,7 @@ std::size_t DocumentTableViewController::tableViewNumberOfRowsInSection(UITableV
 
 std::shared_ptr<UITableViewCell> DocumentTableViewController::tableViewCellForRowAt(
     UITableView& table, const IndexPath& indexPath) {
-  const auto cell = table.dequeueReusableCell("documentCell", indexPath);
+  auto cell = table.dequeueReusableCell("documentCell", indexPath);
   const auto& [name, identifier] = documents[indexPath.row];
   if (const auto typed = std::dynamic_pointer_cast<DocumentTableViewCell>(cell)) {
     if (const auto label = typed->documentName.lock()) label->setText(name);

@@ -16,6 +16,8 @@ class VerificationStart : public UIViewController, public UINavigationController
 
   VerificationStart() = default;
   ~VerificationStart() override;
+  VerificationStart(const VerificationStart&) = delete;
+  VerificationStart& operator=(const VerificationStart&) = delete;
 
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;

@@ -87,7 +87,7 @@ void hideKeyboard(UIViewController& controller) {
 }
 
 std::size_t indexOfAttributedTextCharacterAtPoint(const UILabel& label, CGPoint point) {
-  const auto text = label.attributedText();
+  const auto& text = label.attributedText();
   if (!text) {
     print("This method is developed for attributed string");
     return NSNotFound;
