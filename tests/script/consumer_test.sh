@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# Installs a build into an empty prefix, moves it, and builds and runs an integrator's project with
+# it; compares what the library exports with what is kept, and where asked its size with its budget.
+# usage: consumer_test.sh BUILD EXPORTS [--sizes]
+set -euo pipefail
+export LC_ALL=C
+
+build=$1
+exports=$2
+sizes=${3:-}
+here=$(cd "$(dirname "$0")/../consumer" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "$*" >&2; exit 1; }
+
+# Packages take what the components hold; the sandbox is a program of its own.
+for component in runtime dev; do
+  cmake --install "$build" --prefix "$work/first" --component $component --strip >"$work/files"
+done
+mv "$work/first" "$work/prefix"
+library=$(find "$work/prefix" -name 'libkestrova.so.*.*.*')
+bundle=$(find "$work/prefix" -name Kestrova.bundle)
+
+nm -DC --defined-only "$library" | cut -d' ' -f3- | grep -v '^std::' | sort -u >"$work/exports"
+diff "$exports" "$work/exports" ||
+  fail "The library exports something else. If that is meant: cp $work/exports sdk/exports.txt"
+[ -z "$sizes" ] || for pair in "$library 1572864" "$bundle 4194304"; do
+  read -r what most <<<"$pair"
+  bytes=$(du -sb "$what" | cut -f1)
+  echo "$(basename "$what"): $bytes bytes of $most"
+  [ "$bytes" -le "$most" ] || fail "that is too much"
+done
+
+check() {
+  [ "$("$1" | tail -n 2)" = "$(printf 'notInitializedApiKey\nbundle found')" ] || fail "$1 says: $("$1")"
+}
+cmake -S "$here" -B "$work/build" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/lines"
+cmake --build "$work/build" >"$work/lines" || { cat "$work/lines"; exit 1; }
+check "$work/build/console"
+QT_QPA_PLATFORM=offscreen timeout 30 "$work/build/window" "$work/flow.png" >"$work/lines"
+[ "$(stat -c %s "$work/flow.png")" -gt 5000 ] || fail "the flow was not drawn"
+
+PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name kestrova.pc)")
+export PKG_CONFIG_PATH
+read -ra flags <<<"$(pkg-config --cflags --libs kestrova)"
+c++ -std=c++20 "$here/console.cpp" "${flags[@]}" -Wl,-rpath,"$(dirname "$library")" \
+  -o "$work/by-pkg-config"
+check "$work/by-pkg-config"
