@@ -51,7 +51,7 @@ void click(const UIView& view) {
 std::shared_ptr<UIButton> usableButton(const UIView& in, std::string_view label) {
   for (const auto& view : in.subviews()) {
     if (view->isHidden()) continue;
-    const auto found = std::dynamic_pointer_cast<UIButton>(view);
+    auto found = std::dynamic_pointer_cast<UIButton>(view);
     if (found && found->isEnabled() && found->accessibilityLabel() == label) return found;
     if (auto below = usableButton(*view, label)) return below;
   }
