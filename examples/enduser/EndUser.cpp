@@ -8,6 +8,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+#include "examples/enduser/UsableButton.h"
 #include "platform/capture/UIImagePickerController.h"
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/UIButton.h"
@@ -47,16 +48,6 @@ void click(const UIView& view) {
 }
 
 }  // namespace
-
-std::shared_ptr<UIButton> usableButton(const UIView& in, std::string_view label) {
-  for (const auto& view : in.subviews()) {
-    if (view->isHidden()) continue;
-    auto found = std::dynamic_pointer_cast<UIButton>(view);
-    if (found && found->isEnabled() && found->accessibilityLabel() == label) return found;
-    if (auto below = usableButton(*view, label)) return below;
-  }
-  return nullptr;
-}
 
 EndUser::EndUser(std::shared_ptr<UIViewController> host, Person person)
     : pass([] { QTest::qWait(10); }), host_(std::move(host)), person_(std::move(person)) {}

@@ -18,9 +18,6 @@ class UIViewController;
 
 namespace kestrova {
 
-// A button below a view that is seen and enabled, by its name; null where there is none.
-std::shared_ptr<UIButton> usableButton(const UIView& in, std::string_view label);
-
 // Somebody who is verified: does what the flow's screens ask for, by pointer and keys, on what is
 // seen and enabled. Main thread.
 class EndUser {

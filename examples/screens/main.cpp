@@ -18,7 +18,7 @@
 #include <QtWidgets/QWidget>
 
 #include "examples/enduser/DemoCameras.h"
-#include "examples/enduser/EndUser.h"
+#include "examples/enduser/UsableButton.h"
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIButton.h"

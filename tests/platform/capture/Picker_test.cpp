@@ -3,6 +3,7 @@
 
 #include <future>
 
+#include "examples/enduser/UsableButton.h"
 #include "platform/capture/UIImagePickerController.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/uikit/UIAccessibility.h"
@@ -74,20 +75,10 @@ class PickerTest : public InterfaceOn<CameraTest> {
   // Until the shutter, or another button, can be pressed.
   std::shared_ptr<UIButton> waitForButton(std::string_view label) {
     std::shared_ptr<UIButton> found;
-    EXPECT_TRUE(waitFor([&] { return (found = button(*picker->view(), label)) != nullptr; }))
+    EXPECT_TRUE(waitFor([&] { return (found = usableButton(*picker->view(), label)) != nullptr; }))
         << label << "\n"
         << accessibilityTree(window());
     return found;
-  }
-  // One that is seen and enabled.
-  static std::shared_ptr<UIButton> button(const UIView& in, std::string_view label) {
-    for (const auto& view : in.subviews()) {
-      if (view->isHidden()) continue;
-      const auto found = std::dynamic_pointer_cast<UIButton>(view);
-      if (found && found->isEnabled() && found->accessibilityLabel() == label) return found;
-      if (auto below = button(*view, label)) return below;
-    }
-    return nullptr;
   }
   bool shows(std::string_view text) {
     return accessibilityTree(window()).find(text) != std::string::npos;
@@ -161,7 +152,7 @@ TEST_F(PickerTest, IsCancelledFromEachOfItsStatesAndGivesTheCameraBack) {
   std::promise<void> gate;
   CameraSession::queue().async([opened = gate.get_future().share()] { opened.wait(); });
   present();
-  EXPECT_FALSE(button(*picker->view(), "Take photo"));
+  EXPECT_FALSE(usableButton(*picker->view(), "Take photo"));
   key(Qt::Key_Escape);
   advance(1);
   gate.set_value();
@@ -199,7 +190,7 @@ TEST_F(PickerTest, OffersAnOverlayOfItsSizeAndKeepsTheOneThatIsSet) {
 TEST_F(PickerTest, SwitchesTheFlashWhereThereIsOne) {
   present();
   waitForButton("Take photo");
-  EXPECT_FALSE(button(*picker->view(), "Flash: Auto"));
+  EXPECT_FALSE(usableButton(*picker->view(), "Flash: Auto"));
   presenter->dismiss(false);
   device->hasFlash = true;
   present();
@@ -221,7 +212,7 @@ TEST_F(PickerTest, SaysWhatIsWrongWithTheCameraAndTriesAgain) {
     device->refusal = cameraError(code, "scripted");
     present();
     EXPECT_TRUE(waitFor([&] { return shows(text); })) << text;
-    EXPECT_FALSE(button(*picker->view(), "Take photo"));
+    EXPECT_FALSE(usableButton(*picker->view(), "Take photo"));
     presenter->dismiss(false);
     settle();
   }

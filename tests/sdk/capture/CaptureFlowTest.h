@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "examples/enduser/UsableButton.h"
 #include "platform/capture/CameraConfiguration.h"
 #include "platform/capture/CameraSession.h"
 #include "platform/capture/UIImagePickerController.h"
@@ -142,16 +143,6 @@ class CaptureFlowTest : public FlowTest {
       return condition();
     });
   }
-  // A button that is seen and enabled, by its text; null where there is none.
-  static std::shared_ptr<UIButton> button(const UIView& in, std::string_view label) {
-    for (const auto& view : in.subviews()) {
-      if (view->isHidden()) continue;
-      const auto found = std::dynamic_pointer_cast<UIButton>(view);
-      if (found && found->isEnabled() && found->accessibilityLabel() == label) return found;
-      if (auto below = button(*view, label)) return below;
-    }
-    return nullptr;
-  }
   UIWindow& flowWindow() const { return *navigation()->view()->window(); }
   bool shows(std::string_view text) const {
     return accessibilityTree(flowWindow()).find(text) != std::string::npos;
@@ -159,7 +150,7 @@ class CaptureFlowTest : public FlowTest {
   // Taps the button as soon as it is there.
   void tap(UIViewController& on, std::string_view label) {
     std::shared_ptr<UIButton> found;
-    ASSERT_TRUE(watchUntil([&] { return (found = button(*on.view(), label)) != nullptr; }))
+    ASSERT_TRUE(watchUntil([&] { return (found = usableButton(*on.view(), label)) != nullptr; }))
         << label << "\n"
         << accessibilityTree(flowWindow());
     click(*found);

@@ -54,7 +54,7 @@ TEST_F(Documents, ShowTheOutlineUntilTheShotAndAfreshOnTheNextTry) {
   EXPECT_EQ(fresh->superview(), nullptr);
   tap(*screen->mediaUI, "Retake");
   ASSERT_TRUE(
-      watchUntil([&] { return button(*screen->mediaUI->view(), "Take photo") != nullptr; }));
+      watchUntil([&] { return usableButton(*screen->mediaUI->view(), "Take photo") != nullptr; }));
   EXPECT_FALSE(std::dynamic_pointer_cast<UIImageView>(screen->mediaUI->cameraOverlayView()));
 }
 
