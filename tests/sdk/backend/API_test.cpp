@@ -4,11 +4,11 @@
 
 #include <fcntl.h>
 #include <netinet/in.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include "platform/foundation/FileManager.h"
 #include "tests/support/BackendTest.h"
+#include "tests/support/FileSizeLimit.h"
 
 namespace kestrova {
 namespace {
@@ -214,17 +214,15 @@ TEST_F(APITest, AnUploadThatCannotBeEncodedIsReportedAndLeavesNothingBehind) {
       waitForLine("Error in upload: The temporary file of the upload: "
                   "No such file or directory"));
 
-  // A full disk: the system refuses to let the file grow.
+  // A full disk.
   configuration.temporaryDirectory = directory.path() / "uploads";
   useTransport();
   const auto large = makeFile("large.mov", std::string(3 << 20, 'x'));
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit small{2 << 20, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  API::recordFaceVideo(large, "K", "A", collect());
-  EXPECT_TRUE(waitForLine("Error in upload: The temporary file of the upload: File too large"));
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  {
+    const FileSizeLimit full(2 << 20);
+    API::recordFaceVideo(large, "K", "A", collect());
+    EXPECT_TRUE(waitForLine("Error in upload: The temporary file of the upload: File too large"));
+  }
   EXPECT_TRUE(answers.empty());
   EXPECT_TRUE(server->requests().empty());
   EXPECT_TRUE(std::filesystem::is_empty(configuration.temporaryDirectory));

@@ -1,11 +1,9 @@
-#include <csignal>
 #include <random>
-
-#include <sys/resource.h>
 
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/uikit/UIImageView.h"
 #include "tests/sdk/capture/CaptureFlowTest.h"
+#include "tests/support/FileSizeLimit.h"
 
 namespace kestrova {
 namespace {
@@ -183,25 +181,19 @@ TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
   EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
   std::filesystem::remove(documents);
 
-  // A full disk: the system refuses to let the file grow. The outline is as large as at first, and
-  // goes with the shot.
+  // A full disk. The outline is as large as at first, and goes with the shot.
   openPicker(*screen);
   const auto outline = screen->mediaUI->cameraOverlayView();
   EXPECT_EQ(outline->frame().size, (CGSize{300, 667 * 0.6}));
   tap(*screen->mediaUI, "Take photo");
   ASSERT_TRUE(watchUntil([&] { return shows("Use photo"); }));
   EXPECT_EQ(outline->superview(), nullptr);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit small{64 * 1024, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  tap(*screen->mediaUI, "Use photo");
-  const bool isTold =
-      watchUntil([&] { return linesThatBegin("Kestrova: the picture is not kept: ").size() == 2; });
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, handler);
-  EXPECT_TRUE(isTold);
+  {
+    const test::FileSizeLimit full(64 * 1024);
+    tap(*screen->mediaUI, "Use photo");
+    EXPECT_TRUE(watchUntil(
+        [&] { return linesThatBegin("Kestrova: the picture is not kept: ").size() == 2; }));
+  }
   finishMotion();
   EXPECT_TRUE(std::filesystem::is_empty(documents));
   photograph(*screen);

@@ -1,13 +1,11 @@
 #include "sdk/media/VideoWriter.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <sstream>
 
-#include <sys/resource.h>
-
 #include "platform/dispatch/RunLoop.h"
 #include "tests/platform/graphics/Pictures.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/StandardOutput.h"
 
 namespace kestrova::test {
@@ -162,16 +160,11 @@ TEST_F(VideoWriterTest, EndsWithOneLineAndNoFileWhereItCannotGoOn) {
   EXPECT_FALSE(std::filesystem::exists(file));
 
   // A disk that is full when the movie is ended: whoever waits for it is called all the same.
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit few{1000, before.rlim_max};
   const auto cut = writer(320, 240);
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &few), 0);
-  const auto made = make(cut, std::vector<UIImage>{plain(320, 240, 0xff204080)});
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, handler);
-  EXPECT_TRUE(made);
+  {
+    const FileSizeLimit full(1000);
+    EXPECT_TRUE(make(cut, std::vector<UIImage>{plain(320, 240, 0xff204080)}));
+  }
   EXPECT_TRUE(output.lines().back().starts_with("Kestrova: the movie is not whole: "));
   std::filesystem::remove(file);
 
