@@ -38,8 +38,8 @@ if(KESTROVA_FUZZ)
 endif()
 
 # kestrova_module(NAME [SMALL] SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
-# One static library a folder. SMALL, where no time is spent: what ships is made small, not fast. Third-party libraries go to PRIVATE_LINKS: their headers are for the
-# folder's own .cpp files.
+# One static library a folder. SMALL, where no time is spent: what ships is made small, not fast.
+# Third-party libraries go to PRIVATE_LINKS: their headers are for the folder's own .cpp files.
 function(kestrova_module name)
   cmake_parse_arguments(arg "SMALL" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})

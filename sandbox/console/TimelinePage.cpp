@@ -11,6 +11,20 @@ namespace {
 
 constexpr std::size_t entriesOfPage = 100;
 
+struct EntriesPage {
+  std::vector<Entry> entries;
+  // Whether others follow.
+  bool more = false;
+};
+
+EntriesPage pageOf(const Store& store, EntryQuery query) {
+  query.most = entriesOfPage + 1;
+  EntriesPage found{store.entries(query)};
+  found.more = found.entries.size() > entriesOfPage;
+  if (found.more) found.entries.pop_back();
+  return found;
+}
+
 void appendFact(Html& html, Markup name, std::string_view value, bool code = false) {
   html << "<div><dt>" << name << "</dt><dd>";
   if (value.empty()) {
@@ -43,10 +57,7 @@ HttpAnswer timelinePage(const Frame& frame, const Store& store, std::string_view
   EntryQuery query;
   query.key = key;
   query.after = after;
-  query.most = entriesOfPage + 1;
-  auto entries = store.entries(query);
-  const bool more = entries.size() > entriesOfPage;
-  if (more) entries.pop_back();
+  const auto [entries, more] = pageOf(store, query);
 
   Html html;
   html << home << "<div class=\"title\"><h1 data-live=\"email\">" << emailOf(*summary)
@@ -82,10 +93,7 @@ HttpAnswer timelinePage(const Frame& frame, const Store& store, std::string_view
 HttpAnswer straysPage(const Frame& frame, const Store& store, std::int64_t before) {
   EntryQuery query;
   query.before = before;
-  query.most = entriesOfPage + 1;
-  auto entries = store.entries(query);
-  const bool more = entries.size() > entriesOfPage;
-  if (more) entries.pop_back();
+  const auto [entries, more] = pageOf(store, query);
   Html html;
   html << home << "<div class=\"title\"><h1>Requests of no authentication</h1><p class=\"count\">"
        << "The latest first, times in UTC</p><div class=\"acts\">"
