@@ -37,6 +37,16 @@ if(KESTROVA_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# What is tested is watched for undefined behaviour. The tests' own code, large and compiled twice as
+# long with that, is watched for its use of memory alone.
+function(kestrova_sanitize_test target)
+  if(KESTROVA_SANITIZE MATCHES "undefined")
+    target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
+  endif()
+endfunction()
+
+include(KestrovaPrecompiled)
+
 # kestrova_module(NAME [SMALL] SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
 # One static library a folder. SMALL, where no time is spent: what ships is made small, not fast.
 # Third-party libraries go to PRIVATE_LINKS: their headers are for the folder's own .cpp files.
@@ -47,6 +57,7 @@ function(kestrova_module name)
     target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-Os>)
   endif()
   target_link_libraries(${name} PUBLIC kestrova_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
+  kestrova_precompile(${name} standard)
 endfunction()
 
 # kestrova_program(NAME SOURCES a.cpp ... [LINKS target ...])
@@ -54,6 +65,7 @@ function(kestrova_program name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE kestrova_options ${arg_LINKS})
+  kestrova_precompile(${name} standard)
 endfunction()
 
 # kestrova_test(NAME [WHOLE_STACKS] SOURCES a_test.cpp ... [LINKS target ...])
@@ -66,7 +78,14 @@ function(kestrova_test name)
   if(arg_WHOLE_STACKS)
     list(APPEND properties ENVIRONMENT_MODIFICATION "ASAN_OPTIONS=set:fast_unwind_on_malloc=0")
   endif()
-  kestrova_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} GTest::gtest_main)
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE kestrova_options ${arg_LINKS} GTest::gtest_main)
+  kestrova_sanitize_test(${name})
+  if(Qt6::Test IN_LIST arg_LINKS)
+    kestrova_precompile(${name} interface_test)
+  else()
+    kestrova_precompile(${name} test)
+  endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
     PROPERTIES ${properties})
 endfunction()

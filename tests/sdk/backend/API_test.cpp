@@ -219,7 +219,7 @@ TEST_F(APITest, AnUploadThatCannotBeEncodedIsReportedAndLeavesNothingBehind) {
   useTransport();
   const auto large = makeFile("large.mov", std::string(3 << 20, 'x'));
   {
-    const FileSizeLimit full(2 << 20);
+    const test::FileSizeLimit full(2 << 20);
     API::recordFaceVideo(large, "K", "A", collect());
     EXPECT_TRUE(waitForLine("Error in upload: The temporary file of the upload: File too large"));
   }
