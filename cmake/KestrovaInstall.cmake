@@ -1,5 +1,5 @@
-# What integrators install: the library, the headers that hosts may include, the resource bundle, and
-# the sandbox. Components: runtime, dev, tools.
+# What integrators install: the library, the headers that hosts may include, the resource bundle, the
+# sandbox and the doctor. Components: runtime, dev, tools.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -30,7 +30,8 @@ endforeach()
 
 install(DIRECTORY "${KESTROVA_BUNDLE_DIR}" DESTINATION ${CMAKE_INSTALL_DATADIR}/kestrova
         COMPONENT runtime)
-install(TARGETS kestrova-sandbox RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+install(TARGETS kestrova-sandbox kestrova-doctor
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 
 set(targets kestrova)
 if(NOT BUILD_SHARED_LIBS)
@@ -89,5 +90,5 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
 set(CPACK_DEBIAN_DEV_DESCRIPTION "Identity verification SDK (headers, CMake and pkg-config files)")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME kestrova-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION devel)
-set(CPACK_DEBIAN_TOOLS_DESCRIPTION "Sandbox of the verification backend for development")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION "Sandbox of the verification backend, and a check of machines")
 include(CPack)

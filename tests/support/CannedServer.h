@@ -34,6 +34,7 @@ class CannedServer : private sandbox::HttpHandler {
   ~CannedServer() override { listener_->stop(); }
 
   std::size_t requests() const { return requests_; }
+  std::uint16_t port() const { return listener_->port(); }
 
   // Settings that reach this server under the name "localhost".
   platform::HTTPTransportConfiguration configuration() const {
