@@ -29,7 +29,8 @@ int run(const Command& command) {
       all.push_back(std::move(finding));
     }
   }
-  std::cout << (command.isJSON ? jsonReport(all) : "\n" + summary(all));
+  if (!command.isJSON) std::cout << '\n';
+  std::cout << (command.isJSON ? jsonReport(all) : summary(all));
   return std::max(static_cast<int>(worst(all)) - 1, 0);
 }
 
