@@ -82,7 +82,7 @@ set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Identity verification SDK (library and res
 # What is loaded by name at run time: encoder, container, cameras and decoders; pictures.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS
     "gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, gstreamer1.0-plugins-bad")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "qt6-wayland, qt6-virtualkeyboard-plugin")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "qt6-wayland")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libkestrova-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS

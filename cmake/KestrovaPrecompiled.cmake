@@ -39,6 +39,8 @@ if(KESTROVA_PRECOMPILE)
     <memory> <mutex> <optional> <set> <span> <sstream> <string> <string_view> <system_error> <thread>
     <utility> <variant> <vector>)
   kestrova_precompiled(standard HEADERS ${standard})
+  kestrova_precompiled(standard_small HEADERS ${standard})
+  target_compile_options(kestrova_precompiled_standard_small PRIVATE $<$<CONFIG:Release>:-Os>)
   if(KESTROVA_TESTS)
     find_package(GTest REQUIRED)
     find_package(Qt6 REQUIRED COMPONENTS Test Widgets)

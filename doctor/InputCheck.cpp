@@ -16,7 +16,11 @@ namespace kestrova::doctor {
 namespace {
 
 constexpr auto kOnScreen = "qtvirtualkeyboard";
-constexpr auto kPackage = "install the package qt6-virtualkeyboard-plugin";
+// What its plugin needs at run time and does not depend on, in Debian 12.
+constexpr auto kPackage =
+    "install the packages qt6-virtualkeyboard-plugin, qml6-module-qtquick-window, "
+    "qml6-module-qtquick-layouts, qml6-module-qtqml-workerscript and "
+    "qml6-module-qt-labs-folderlistmodel";
 
 // The names under which the installed modules are chosen.
 std::vector<std::string> modules() {

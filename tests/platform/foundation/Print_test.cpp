@@ -1,11 +1,14 @@
 #include "platform/foundation/Print.h"
 
+#include <array>
+#include <csignal>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "platform/foundation/NSLog.h"
 
@@ -27,6 +30,21 @@ TEST(Print, WritesLinesWholeFromAnyThread) {
     ASSERT_EQ(line, std::string(3000, line.front()));
   }
   EXPECT_EQ(count, 400);
+}
+
+TEST(Print, LosesALineThatNobodyReadsAndNothingElse) {
+  EXPECT_EXIT(
+      {
+        std::array<int, 2> ends{};
+        static_cast<void>(::pipe(ends.data()));
+        ::dup2(ends[1], STDOUT_FILENO);
+        ::close(ends[0]);
+        print("a line");
+        // The host's own writes end it as before.
+        std::signal(SIGPIPE, [](int) { ::_exit(7); });
+        static_cast<void>(::write(STDOUT_FILENO, "x", 1));
+      },
+      testing::ExitedWithCode(7), "");
 }
 
 TEST(NSLog, GoesToTheSystemLogAndNotToStandardOutput) {
