@@ -7,18 +7,8 @@ set -euo pipefail
 
 bin=$1
 specimens=$2
-work=$(mktemp -d)
-started=()
-finish() {
-  for process in "${started[@]}"; do
-    kill "$process" 2>/dev/null && wait "$process" 2>/dev/null
-  done || true
-  rm -rf "$work"
-}
-trap finish EXIT
-fail() { echo "$*" >&2; exit 1; }
+source "$(dirname "$0")/work.sh"
 
-unset QT_SCALE_FACTOR QT_STYLE_OVERRIDE XMODIFIERS QT_IM_MODULE
 "$bin/kestrova-sandbox" --port 0 --listing-port 0 --store "$work/store" >"$work/log" &
 started+=($!)
 # port NAME: the port that the sandbox printed for that listener.
@@ -76,11 +66,8 @@ grep -q "sha256 $(sha256sum "$movie" | cut -d' ' -f1)" "$work/record" || fail "a
 
 # A photograph of 12 megapixels.
 ffmpeg -nostdin -v error -y -i "$specimens/id-front.png" -vf scale=3000:4000 "$work/front.jpg"
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1024x900x24 -nolisten tcp 3>"$work/display" 2>"$work/server" &
-started+=($!)
-read -r -t 20 number <"$work/display"
-export DISPLAY=:$number QT_QPA_PLATFORM=xcb
+startDisplay
+export QT_QPA_PLATFORM=xcb
 host own --document id --country gb --email "$(printf 'a%.0s' {1..20})@example.com" \
   --specimens "$specimens" --front "$work/front.jpg" --pictures "$work/pictures"
 checkRecord

@@ -5,26 +5,11 @@
 set -euo pipefail
 
 program=$1
-work=$(mktemp -d)
-started=()
-finish() {
-  for process in "${started[@]}"; do
-    kill "$process" 2>/dev/null && wait "$process" 2>/dev/null
-  done || true
-  rm -rf "$work"
-}
-trap finish EXIT
+source "$(dirname "$0")/work.sh"
 
-unset QT_SCALE_FACTOR QT_STYLE_OVERRIDE XMODIFIERS QT_IM_MODULE
 QT_QPA_PLATFORM=offscreen timeout 60 "$program" "$work/memory.png" --drive >"$work/memory"
 
-# The server picks a display that is free, and says which.
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>"$work/server" &
-started+=($!)
-read -r -t 20 number <"$work/display"
-export DISPLAY=:$number
-
+startDisplay
 QT_QPA_PLATFORM=xcb timeout 120 "$program" "$work/live.png" >"$work/live" &
 live=$!
 started+=("$live")
