@@ -1,6 +1,5 @@
 #include "platform/foundation/Print.h"
 
-#include <array>
 #include <csignal>
 #include <sstream>
 #include <string>
@@ -32,19 +31,19 @@ TEST(Print, WritesLinesWholeFromAnyThread) {
   EXPECT_EQ(count, 400);
 }
 
+// Ends the process with status 7 where the host's own way with the signal is as before.
+void printToNobody() {
+  int ends[2] = {};
+  static_cast<void>(!::pipe(ends));
+  ::dup2(ends[1], STDOUT_FILENO);
+  ::close(ends[0]);
+  print("a line");
+  std::signal(SIGPIPE, [](int) { ::_exit(7); });
+  static_cast<void>(!::write(STDOUT_FILENO, "x", 1));
+}
+
 TEST(Print, LosesALineThatNobodyReadsAndNothingElse) {
-  EXPECT_EXIT(
-      {
-        std::array<int, 2> ends{};
-        static_cast<void>(::pipe(ends.data()));
-        ::dup2(ends[1], STDOUT_FILENO);
-        ::close(ends[0]);
-        print("a line");
-        // The host's own writes end it as before.
-        std::signal(SIGPIPE, [](int) { ::_exit(7); });
-        static_cast<void>(::write(STDOUT_FILENO, "x", 1));
-      },
-      testing::ExitedWithCode(7), "");
+  EXPECT_EXIT(printToNobody(), testing::ExitedWithCode(7), "");
 }
 
 TEST(NSLog, GoesToTheSystemLogAndNotToStandardOutput) {
