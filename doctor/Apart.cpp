@@ -1,14 +1,15 @@
 #include "doctor/Apart.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
-#include <iostream>
 #include <string>
+#include <string_view>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,6 +22,9 @@ namespace {
 
 using platform::FileDescriptor;
 using Clock = std::chrono::steady_clock;
+
+// Milliseconds that a killed process has to end.
+constexpr int kDying = 100;
 
 struct Pipe {
   FileDescriptor out;
@@ -41,62 +45,83 @@ bool readSome(const FileDescriptor& from, std::string& text) {
   return count > 0;
 }
 
-// A process whose output and errors are read; killed, where it still runs, with this object.
+// The other process's whole life. What libraries print goes to the errors; an exception ends it as
+// any other fault of the check does.
+[[noreturn]] void answer(const Check& check, const Machine& machine, const FileDescriptor& report,
+                         const FileDescriptor& errors) noexcept {
+  const rlimit none{0, 0};
+  ::setrlimit(RLIMIT_CORE, &none);
+  ::dup2(errors.get(), STDOUT_FILENO);
+  ::dup2(errors.get(), STDERR_FILENO);
+  const auto text = jsonReport(check.run(machine));
+  for (std::string_view left = text; !left.empty();) {
+    const auto count = ::write(report.get(), left.data(), left.size());
+    if (count < 0) break;
+    left.remove_prefix(static_cast<std::size_t>(count));
+  }
+  ::_exit(0);
+}
+
+// A process whose report and errors are read; killed, where it still runs, with this object.
 class Process {
  public:
-  Process(const std::filesystem::path& program, const char* check) {
-    std::string path = program;
-    std::string option = "--probe";
-    std::string name = check;
-    std::array<char*, 4> arguments{path.data(), option.data(), name.data(), nullptr};
-    auto output = makePipe();
+  Process(const Check& check, const Machine& machine) {
+    auto report = makePipe();
     auto errors = makePipe();
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, output.in.get(), STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, errors.in.get(), STDERR_FILENO);
-    if (::posix_spawn(&id_, path.c_str(), &actions, nullptr, arguments.data(), environ) != 0) {
-      id_ = -1;
-    }
-    posix_spawn_file_actions_destroy(&actions);
-    output_ = std::move(output.out);
+    id_ = ::fork();
+    if (id_ == 0) answer(check, machine, report.in, errors.in);
+    report_ = std::move(report.out);
     errors_ = std::move(errors.out);
   }
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
+  // One that waits for a device in the kernel cannot be killed, and is not waited for long.
   ~Process() {
-    if (id_ > 0) {
-      ::kill(id_, SIGKILL);
-      ::waitpid(id_, nullptr, 0);
-    }
+    if (id_ <= 0) return;
+    ::kill(id_, SIGKILL);
+    const FileDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, id_, 0)));
+    pollfd ended{end.get(), POLLIN, 0};
+    ::poll(&ended, 1, kDying);
+    ::waitpid(id_, nullptr, WNOHANG);
   }
 
-  // Reads until both ends are closed; false where that took longer.
-  bool read(std::string& output, std::string& errors, std::chrono::milliseconds patience) {
+  // Reads until the report ends; false where that took longer. Whoever the check has started may
+  // keep the errors open.
+  bool read(std::string& report, std::string& errors, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
-    std::array<pollfd, 2> ends{{{output_.get(), POLLIN, 0}, {errors_.get(), POLLIN, 0}}};
-    while (ends[0].fd >= 0 || ends[1].fd >= 0) {
+    std::array<pollfd, 2> ends{{{report_.get(), POLLIN, 0}, {errors_.get(), POLLIN, 0}}};
+    for (bool isOver = false;;) {
       const auto left =
           std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-      if (left.count() <= 0) return false;
-      if (::poll(ends.data(), ends.size(), static_cast<int>(left.count())) < 0) continue;
-      if (ends[0].revents != 0 && !readSome(output_, output)) ends[0].fd = -1;
+      if (!isOver && left.count() <= 0) return false;
+      const int ready =
+          ::poll(ends.data(), ends.size(), isOver ? 0 : static_cast<int>(left.count()));
+      if (ready < 0) continue;
+      if (isOver && ready == 0) return true;
+      if (ends[0].revents != 0 && !readSome(report_, report)) {
+        ends[0].fd = -1;
+        isOver = true;
+      }
       if (ends[1].revents != 0 && !readSome(errors_, errors)) ends[1].fd = -1;
     }
-    return true;
   }
 
  private:
   pid_t id_ = -1;
-  FileDescriptor output_;
+  FileDescriptor report_;
   FileDescriptor errors_;
 };
 
 std::string adviceFor(std::string_view check) {
-  return check == "display"
-             ? "Start this in the session that has the display (DISPLAY or WAYLAND_DISPLAY), or "
-               "name another platform: QT_QPA_PLATFORM=wayland, linuxfb or eglfs."
-             : "Install the packages of this check's libraries again.";
+  if (check == "display") {
+    return "Start this in the session that has the display (DISPLAY or WAYLAND_DISPLAY), or name "
+           "another platform: QT_QPA_PLATFORM=wayland, linuxfb or eglfs.";
+  }
+  if (check == "camera") return "Unplug the cameras, plug them in again, and look again.";
+  if (check == "bundle" || check == "documents") {
+    return "Look whether the file system of its folder answers (a network drive?).";
+  }
+  return "Install the packages of this check's libraries again.";
 }
 
 // The line that says most: the toolkit's last words come behind it.
@@ -107,24 +132,17 @@ std::string firstLine(const std::string& text) {
 }  // namespace
 
 Findings runApart(const Check& check, const Machine& machine) {
-  Process process(machine.program, check.name);
-  std::string output;
+  Process process(check, machine);
+  std::string report;
   std::string errors;
-  if (!process.read(output, errors, machine.patience)) {
+  if (!process.read(report, errors, machine.patience)) {
     return {{check.name, Severity::failure, "the check hangs", adviceFor(check.name)}};
   }
-  if (auto findings = parsedReport(output)) return std::move(*findings);
+  if (auto findings = parsedReport(report)) return std::move(*findings);
   const auto words = firstLine(errors);
   return {{check.name, Severity::failure,
            words.empty() ? "the check's process ended without a word" : words,
            adviceFor(check.name)}};
-}
-
-int serve(const Check& check, const Machine& machine) {
-  const rlimit none{0, 0};
-  ::setrlimit(RLIMIT_CORE, &none);
-  std::cout << jsonReport(check.run(machine)) << std::flush;
-  return 0;
 }
 
 }  // namespace kestrova::doctor

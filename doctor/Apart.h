@@ -1,16 +1,11 @@
 #pragma once
 
-#include <string_view>
-
 #include "doctor/Checks.h"
 
 namespace kestrova::doctor {
 
-// Runs the check in another process of the same program, so that one that dies or hangs is a
-// finding too. Returns when the machine's patience is over at the latest.
+// Runs the check in a process of its own, so that one that dies or hangs is a finding too. Returns
+// when the machine's patience is over at the latest. To be called while there is one thread.
 Findings runApart(const Check& check, const Machine& machine);
-
-// What that process does: runs the check and writes its findings to standard output.
-int serve(const Check& check, const Machine& machine);
 
 }  // namespace kestrova::doctor

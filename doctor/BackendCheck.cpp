@@ -63,6 +63,14 @@ void readCertificate(CURL* handle, Visit& visit) {
   }
 }
 
+// As the SDK does it: a folder of authorities beside the file is not trusted.
+void setTrust(CURL* handle, const std::filesystem::path& authorities) {
+  const char* const systemStore = curl_version_info(CURLVERSION_NOW)->cainfo;
+  if (authorities.empty() && !systemStore) return;
+  curl_easy_setopt(handle, CURLOPT_CAINFO, authorities.empty() ? systemStore : authorities.c_str());
+  curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
+}
+
 Visit visitBackend(const Machine& machine) {
   Visit visit;
   const Easy easy(curl_easy_init());
@@ -79,14 +87,13 @@ Visit visitBackend(const Machine& machine) {
   curl_easy_setopt(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   curl_easy_setopt(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+  // What a proxy answers to CONNECT is the proxy's, its clock included.
+  curl_easy_setopt(handle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
   curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(machine.patience.count()));
   curl_easy_setopt(handle, CURLOPT_CERTINFO, 1L);
   curl_easy_setopt(handle, CURLOPT_USERAGENT, "kestrova-doctor");
-  if (!machine.authorities.empty()) {
-    curl_easy_setopt(handle, CURLOPT_CAINFO, machine.authorities.c_str());
-    curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
-  }
+  setTrust(handle, machine.authorities);
   curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &noteHeader);
   curl_easy_setopt(handle, CURLOPT_HEADERDATA, &visit);
   visit.code = curl_easy_perform(handle);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <fstream>
 #include <string_view>
@@ -46,12 +47,20 @@ std::string userOf(uid_t user) {
   return entry ? entry->pw_name : std::to_string(user);
 }
 
+// Reading and writing.
+constexpr mode_t kBoth = 6;
+
+// The group whose members may open the node; empty where its mode does not let them, or where it is
+// the superuser's, which nobody is to join.
+std::string openingGroup(const struct stat& node) {
+  return node.st_gid != 0 && (node.st_mode >> 3 & kBoth) == kBoth ? groupOf(node.st_gid) : "";
+}
+
 // Whoever may open the node by its owner, its group and its mode.
 std::string whoMayOpen(const struct stat& node) {
-  constexpr mode_t kBoth = 6;
   if ((node.st_mode & kBoth) == kBoth) return "everybody";
   std::string who = userOf(node.st_uid);
-  if ((node.st_mode >> 3 & kBoth) == kBoth) who += " and the group " + groupOf(node.st_gid);
+  if (const auto group = openingGroup(node); !group.empty()) who += " and the group " + group;
   return who;
 }
 
@@ -89,17 +98,19 @@ std::string formatsOf(const CameraFacts& facts) {
   return text.empty() ? "no formats" : text;
 }
 
-Finding unopened(const fs::path& device, const CameraFacts& facts, const struct stat& node) {
-  const auto why = std::generic_category().message(facts.error);
-  std::string advice = "Unplug the camera and plug it in again, and look into the kernel's log.";
-  if (facts.error == EACCES || facts.error == EPERM) {
-    const auto group = groupOf(node.st_gid);
-    advice = "It is open to " + whoMayOpen(node) +
-             ". Add the user to the group (sudo usermod -aG " + group + " NAME) and log in again.";
-  } else if (facts.error == EBUSY) {
-    advice = "Another program uses it: end that one first.";
+std::string adviceFor(int error, const struct stat& node) {
+  if (error == EBUSY) return "Another program uses it: end that one first.";
+  if (error != EACCES && error != EPERM) {
+    return "Unplug the camera and plug it in again, and look into the kernel's log.";
   }
-  return {"camera", Severity::warning, device.string() + ": " + why, std::move(advice)};
+  const auto group = openingGroup(node);
+  const auto who = "It is open to " + whoMayOpen(node) + ". ";
+  if (group.empty()) {
+    return who +
+           "Open it to the group video by a rule of udev (KERNEL==\"video*\", GROUP=\"video\", "
+           "MODE=\"0660\"), and add the user to that group.";
+  }
+  return who + "Add the user to the group (sudo usermod -aG " + group + " NAME) and log in again.";
 }
 
 }  // namespace
@@ -110,8 +121,13 @@ Findings checkCameras(const Machine& machine) {
   for (const auto& device : videoNodes(machine.devices)) {
     const auto facts = machine.camera(device);
     struct stat node {};
-    if (facts.error != 0 || ::stat(device.c_str(), &node) != 0) {
-      findings.push_back(unopened(device, facts, node));
+    const int error = ::stat(device.c_str(), &node) == 0 ? facts.error : errno;
+    const auto who = holders(machine.processes, device);
+    if (error != 0) {
+      findings.push_back({"camera", Severity::warning,
+                          device.string() + ": " + std::generic_category().message(error) +
+                              (who.empty() ? "" : "; held by " + who),
+                          adviceFor(error, node)});
       continue;
     }
     if (!facts.givesPictures) {
@@ -125,7 +141,7 @@ Findings checkCameras(const Machine& machine) {
                         device.string() + ": " + facts.name + ", " + formatsOf(facts) +
                             "; open to " + whoMayOpen(node),
                         {}});
-    if (const auto who = holders(machine.processes, device); !who.empty()) {
+    if (!who.empty()) {
       findings.push_back({"camera", Severity::warning, device.string() + " is held by " + who,
                           "End that program before a verification: most cameras serve one."});
     }

@@ -6,9 +6,9 @@ namespace kestrova::doctor {
 
 std::span<const Check> checks() {
   static constexpr std::array kChecks{
-      Check{"bundle", checkBundle, false},   Check{"display", checkDisplay, true},
-      Check{"input", checkInput, true},      Check{"camera", checkCameras, false},
-      Check{"media", checkMedia, true},      Check{"documents", checkDocuments, false},
+      Check{"bundle", checkBundle, true},    Check{"display", checkDisplay, true},
+      Check{"input", checkInput, true},      Check{"camera", checkCameras, true},
+      Check{"media", checkMedia, true},      Check{"documents", checkDocuments, true},
       Check{"backend", checkBackend, false},
   };
   return kChecks;

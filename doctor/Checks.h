@@ -10,12 +10,13 @@ namespace kestrova::doctor {
 struct Check {
   const char* name;
   Findings (*run)(const Machine& machine);
-  // Starts a library that may end the process or hang: to be run in a process of its own.
+  // May end the process or hang, by a library, a device or a file system: to be run in a process of
+  // its own.
   bool isRisky;
 };
 
-// In the order in which they are run. None takes much longer than the machine's patience, and none
-// leaves anything behind.
+// In the order in which they are run; none leaves anything behind. One that is not risky takes no
+// longer than the machine's patience.
 std::span<const Check> checks();
 
 // The resource bundle and its typefaces.
@@ -26,7 +27,7 @@ Findings checkDisplay(const Machine& machine);
 Findings checkInput(const Machine& machine);
 // Cameras, who may open them and who holds them. Opens devices to ask, takes no picture.
 Findings checkCameras(const Machine& machine);
-// Encoder, container and camera elements of the media framework.
+// Encoder, container and camera elements of the media framework. Changes the environment.
 Findings checkMedia(const Machine& machine);
 // Where pictures and movies are kept.
 Findings checkDocuments(const Machine& machine);

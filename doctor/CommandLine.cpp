@@ -48,8 +48,8 @@ std::variant<Command, Message> readCommandLine(const std::vector<std::string>& a
       command.isJSON = true;
       continue;
     }
-    constexpr std::array kWithValue{"--program", "--backend", "--authorities",
-                                    "--bundle",  "--check",   "--probe"};
+    constexpr std::array kWithValue{"--program", "--backend", "--authorities", "--bundle",
+                                    "--check"};
     if (std::find(kWithValue.begin(), kWithValue.end(), name) == kWithValue.end()) {
       return Message{"unknown option " + argument + ", see --help\n", true};
     }
@@ -57,13 +57,13 @@ std::variant<Command, Message> readCommandLine(const std::vector<std::string>& a
       return Message{name + " needs a value\n", true};
     }
     const auto value = equals == argument.npos ? arguments[++i] : argument.substr(equals + 1);
-    if (name == "--check" || name == "--probe") {
+    if (name == "--check") {
       if (!isCheck(value)) return Message{"no check is called " + value + ", see --help\n", true};
-      if (name == "--check") command.only.push_back(value);
-      if (name == "--probe") command.probe = value;
+      command.only.push_back(value);
     } else if (name == "--authorities") {
       command.machine.authorities = value;
-    } else if (value.empty() || (name == "--program" && value.find('/') != value.npos)) {
+    } else if (value.empty() || (name == "--program" && value.find('/') != value.npos) ||
+               (name == "--backend" && value.find_first_of("/@?#") != value.npos)) {
       return Message{name + " needs another value\n", true};
     } else if (name == "--program") {
       command.machine.application = value;

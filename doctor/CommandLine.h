@@ -13,8 +13,6 @@ struct Command {
   // Names of checks; empty for all.
   std::vector<std::string> only;
   bool isJSON = false;
-  // The check that is served to another process of this program; empty for none.
-  std::string probe;
 };
 
 // To be printed instead of a run.

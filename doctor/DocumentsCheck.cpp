@@ -82,19 +82,19 @@ Findings checkDocuments(const Machine& machine) {
                                kElsewhere));
     return findings;
   }
+  std::string found = folder.string() + " can be written";
+  if (nearest == folder && !machine.application.empty()) found += " and is the user's alone";
   struct statvfs space {};
   if (::statvfs(nearest.c_str(), &space) == 0) {
     const std::uint64_t room = std::uint64_t{space.f_bavail} * space.f_frsize;
+    const auto text = "room for " + std::to_string(room >> 20) + " MiB";
+    found += ", " + text;
     if (room < machine.roomWanted) {
-      findings.push_back(
-          finding(Severity::warning,
-                  folder.string() + " has room for " + std::to_string(room >> 20) + " MiB only",
-                  "Make room: a verification keeps up to three files there."));
+      findings.push_back(finding(Severity::warning, folder.string() + " has " + text + " only",
+                                 "Make room: a verification keeps up to three files there."));
     }
   }
-  if (findings.empty()) {
-    findings.push_back(finding(Severity::ok, folder.string() + " can be written", {}));
-  }
+  if (findings.empty()) findings.push_back(finding(Severity::ok, std::move(found), {}));
   return findings;
 }
 

@@ -13,8 +13,6 @@ namespace kestrova::doctor {
 // Where the checks look. The defaults are this machine and what the SDK was built for; tests look
 // elsewhere.
 struct Machine {
-  // The doctor itself, to be started again for what may not come back.
-  std::filesystem::path program = "/proc/self/exe";
   // Empty: where the SDK's library would find it, were it installed with this program.
   std::filesystem::path bundle;
   std::filesystem::path devices = "/dev";

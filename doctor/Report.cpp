@@ -21,9 +21,9 @@ const char* nameOf(Severity severity) {
 // A terminal obeys control characters; names of devices and certificates may hold any.
 std::string harmless(std::string_view text) {
   std::string made;
-  for (const auto character : QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))) {
-    const bool isPlain = character.isPrint() || character.isSurrogate();
-    made += (isPlain ? QString(character) : QStringLiteral("?")).toUtf8().toStdString();
+  const auto decoded = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  for (const char32_t character : decoded.toUcs4()) {
+    made += QChar::isPrint(character) ? QString::fromUcs4(&character, 1).toStdString() : "?";
   }
   return made;
 }

@@ -11,14 +11,13 @@ namespace {
 
 using namespace kestrova::doctor;
 
+constexpr int kFailure = 2;
 constexpr int kWrongCall = 64;
 
 int run(const Command& command) {
   const bool hasColours = ::isatty(STDOUT_FILENO) != 0;
   Findings all;
   for (const auto& check : checks()) {
-    if (command.probe == check.name) return serve(check, command.machine);
-    if (!command.probe.empty()) continue;
     if (!command.only.empty() &&
         std::find(command.only.begin(), command.only.end(), check.name) == command.only.end()) {
       continue;
@@ -31,6 +30,10 @@ int run(const Command& command) {
   }
   if (!command.isJSON) std::cout << '\n';
   std::cout << (command.isJSON ? jsonReport(all) : summary(all));
+  if (!std::cout.flush()) {
+    std::cerr << "the report cannot be written\n";
+    return kFailure;
+  }
   return std::max(static_cast<int>(worst(all)) - 1, 0);
 }
 
