@@ -1,19 +1,22 @@
 #!/usr/bin/env python3
-"""Sends every request and compares what the sandbox kept with the examples of docs/wire-protocol.md.
+"""Sends every request and compares it and the first answer with the examples of docs/wire-protocol.md.
 
 usage: wire_protocol_test.py DOCUMENT BIN SPECIMENS
 """
 import pathlib
 import re
 import sqlite3
+import ssl
 import subprocess
 import sys
 import tempfile
+import urllib.request
 
 document, bin_folder, specimens = map(pathlib.Path, sys.argv[1:])
 blocks = re.findall(r"^```(\w*)\n(.*?)^```$", document.read_text(), re.M | re.S)
 examples = [text for language, text in blocks if language == "http"]
 common = next(text for language, text in blocks if not language)
+answer = next(text for language, text in blocks if language == "json").rstrip("\n")
 
 
 def pattern(text):
@@ -49,6 +52,16 @@ def kept(store):
         yield "\n".join([lines[0].removesuffix(" HTTP/1.1"), *own]).rstrip() + "\n\n" + text + "\n"
 
 
+def opened(port, authority):
+    """What the sandbox answers to an opening."""
+    opener = urllib.request.build_opener(
+        urllib.request.ProxyHandler({}),
+        urllib.request.HTTPSHandler(context=ssl.create_default_context(cafile=authority)))
+    url = f"https://localhost:{port}/api/v1/authentications"
+    with opener.open(url, b"api_key=demo-key&step=initialize", timeout=10) as response:
+        return response.read().decode()
+
+
 with tempfile.TemporaryDirectory() as folder:
     store = pathlib.Path(folder) / "store"
     with subprocess.Popen([bin_folder / "kestrova-sandbox", "--port", "0", "--listing-port", "0",
@@ -60,10 +73,12 @@ with tempfile.TemporaryDirectory() as folder:
                             "--back", specimens / "id-back.png",
                             "--port", port, "--authority", store / "authority.pem"],
                            check=True, timeout=50, stdout=subprocess.DEVNULL)
+            requests = list(kept(store))
+            answered = opened(port, store / "authority.pem")
         finally:
             sandbox.terminate()
-    requests = list(kept(store))
 
+assert pattern(answer).fullmatch(answered), f"answered was\n{answered}\nwritten is\n{answer}"
 assert len(requests) == len(examples), f"{len(requests)} requests, {len(examples)} examples"
 for request, example in zip(requests, examples):
     assert pattern(example).fullmatch(request), f"sent was\n{request}\nwritten is\n{example}"
