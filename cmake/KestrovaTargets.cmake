@@ -37,9 +37,19 @@ if(KESTROVA_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# For what no time is spent in: what ships is made small, and what the sanitizers watch is compiled
+# soon.
+set(small_options $<$<CONFIG:Release>:-Os>)
+if(KESTROVA_SANITIZE)
+  set(small_options -O0)
+endif()
+
 # What is tested is watched for undefined behaviour. The tests' own code, large and compiled twice as
 # long with that, is watched for its use of memory alone.
 function(kestrova_sanitize_test target)
+  if(KESTROVA_SANITIZE)
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
   if(KESTROVA_SANITIZE MATCHES "undefined")
     target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
   endif()
@@ -48,13 +58,13 @@ endfunction()
 include(KestrovaPrecompiled)
 
 # kestrova_module(NAME [SMALL] SOURCES a.cpp ... [LINKS target ...] [PRIVATE_LINKS target ...])
-# One static library a folder. SMALL, where no time is spent: what ships is made small, not fast.
+# One static library a folder. SMALL, where no time is spent.
 # Third-party libraries go to PRIVATE_LINKS: their headers are for the folder's own .cpp files.
 function(kestrova_module name)
   cmake_parse_arguments(arg "SMALL" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
   if(arg_SMALL)
-    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-Os>)
+    target_compile_options(${name} PRIVATE ${small_options})
   endif()
   target_link_libraries(${name} PUBLIC kestrova_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
   if(arg_SMALL)

@@ -1,5 +1,6 @@
 #include "doctor/Apart.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -115,7 +116,7 @@ class Process {
 std::string adviceFor(std::string_view check) {
   if (check == "display") {
     return "Start this in the session that has the display (DISPLAY or WAYLAND_DISPLAY), or name "
-           "another platform: QT_QPA_PLATFORM=wayland, linuxfb or eglfs.";
+           "another platform: QT_QPA_PLATFORM=wayland (package qt6-wayland), linuxfb or eglfs.";
   }
   if (check == "camera") return "Unplug the cameras, plug them in again, and look again.";
   if (check == "bundle" || check == "documents") {
@@ -124,9 +125,22 @@ std::string adviceFor(std::string_view check) {
   return "Install the packages of this check's libraries again.";
 }
 
-// The line that says most: the toolkit's last words come behind it.
-std::string firstLine(const std::string& text) {
-  return text.substr(0, text.find('\n'));
+std::string adviceForSlow(std::string_view check) {
+  if (check == "media") {
+    return "The media framework is still looking through its plugins. Let the host open a camera "
+           "once, which keeps the list of them, and look again.";
+  }
+  return adviceFor(check);
+}
+
+// The line that says most: the toolkit's last words come behind it, and what it says of its folder
+// for sockets, harmlessly, before.
+std::string tellingLine(std::string_view text) {
+  constexpr std::string_view kHarmless = "QStandardPaths:";
+  while (text.starts_with(kHarmless)) {
+    text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  }
+  return std::string(text.substr(0, text.find('\n')));
 }
 
 }  // namespace
@@ -135,11 +149,14 @@ Findings runApart(const Check& check, const Machine& machine) {
   Process process(check, machine);
   std::string report;
   std::string errors;
-  if (!process.read(report, errors, machine.patience)) {
-    return {{check.name, Severity::failure, "the check hangs", adviceFor(check.name)}};
+  const auto patience = machine.*check.patience;
+  if (!process.read(report, errors, patience)) {
+    return {{check.name, Severity::failure,
+             "no end after " + std::to_string(patience.count() / 1000) + " s",
+             adviceForSlow(check.name)}};
   }
   if (auto findings = parsedReport(report)) return std::move(*findings);
-  const auto words = firstLine(errors);
+  const auto words = tellingLine(errors);
   return {{check.name, Severity::failure,
            words.empty() ? "the check's process ended without a word" : words,
            adviceFor(check.name)}};

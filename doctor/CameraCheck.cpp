@@ -2,6 +2,8 @@
 #include <cerrno>
 #include <cmath>
 #include <fstream>
+#include <functional>
+#include <set>
 #include <string_view>
 #include <system_error>
 
@@ -84,6 +86,17 @@ std::string holders(const fs::path& processes, const fs::path& device) {
   return who;
 }
 
+// What the SDK's cameras read: Motion JPEG, and the plain formats that the media framework knows.
+// Of the others the common ones are raw sensors (Bayer) and streams (H.264).
+bool isRead(const CameraFormat& format) {
+  static const std::set<std::string, std::less<>> kRead{
+      "MJPG", "JPEG", "PJPG", "YUYV", "YVYU", "UYVY", "NV12", "NM12", "NV21", "NM21", "NV16",
+      "NM16", "NV61", "NM61", "NV24", "YU12", "YM12", "YV12", "YM21", "422P", "YM16", "411P",
+      "YUV9", "YVU9", "GREY", "Y16 ", "RGB3", "BGR3", "RGB4", "BGR4", "XR24", "AR24", "XB24",
+      "AB24", "BX24", "BA24", "RX24", "RA24", "RGBP", "RGBO", "XR15"};
+  return kRead.contains(format.code);
+}
+
 std::string formatsOf(const CameraFacts& facts) {
   std::string text;
   for (const auto& format : facts.formats) {
@@ -133,6 +146,15 @@ Findings checkCameras(const Machine& machine) {
     if (!facts.givesPictures) {
       findings.push_back({"camera", Severity::note, device.string() + " is no camera",
                           "Nothing: most cameras have such a node beside their own."});
+      continue;
+    }
+    if (std::none_of(facts.formats.begin(), facts.formats.end(), isRead)) {
+      findings.push_back(
+          {"camera", Severity::warning,
+           device.string() + ": " + facts.name +
+               " gives no format that the SDK reads: " + formatsOf(facts),
+           "A raw sensor needs its image processor's own node; else give the SDK a camera of the "
+           "host's own (CameraConfiguration)."});
       continue;
     }
     ++usable;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <span>
 
 #include "doctor/Finding.h"
@@ -13,10 +14,12 @@ struct Check {
   // May end the process or hang, by a library, a device or a file system: to be run in a process of
   // its own.
   bool isRisky;
+  // How long it may take.
+  std::chrono::milliseconds Machine::*patience = &Machine::patience;
 };
 
 // In the order in which they are run; none leaves anything behind. One that is not risky takes no
-// longer than the machine's patience.
+// longer than that.
 std::span<const Check> checks();
 
 // The resource bundle and its typefaces.

@@ -32,6 +32,8 @@ struct Machine {
   std::chrono::seconds clockMargin = std::chrono::seconds(60);
   // For each check that waits for somebody else.
   std::chrono::milliseconds patience = std::chrono::seconds(4);
+  // For the media framework, which looks through all its plugins where no list of them is kept yet.
+  std::chrono::milliseconds scanPatience = std::chrono::seconds(30);
 
   static std::filesystem::path dataFolder();
   static std::filesystem::path builtInAuthorities();

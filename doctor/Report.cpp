@@ -56,20 +56,25 @@ std::string textReport(const Finding& finding, bool hasColours) {
   return text;
 }
 
-std::string summary(const Findings& findings) {
+std::string summary(const Findings& findings, bool ofAllChecks) {
   const auto count = [&](Severity severity) {
     return std::to_string(std::count_if(findings.begin(), findings.end(), [&](const auto& finding) {
       return finding.severity == severity;
     }));
   };
+  const auto say = [&](const char* ofMachine, const char* ofChecks) {
+    return std::string(ofAllChecks ? ofMachine : ofChecks);
+  };
   switch (worst(findings)) {
     case Severity::failure:
-      return "A verification will not work here: failures " + count(Severity::failure) +
-             ", warnings " + count(Severity::warning) + ".\n";
+      return say("A verification will not work here", "What was looked at does not work") +
+             ": failures " + count(Severity::failure) + ", warnings " + count(Severity::warning) +
+             ".\n";
     case Severity::warning:
-      return "A verification may work here: warnings " + count(Severity::warning) + ".\n";
+      return say("A verification may work here", "What was looked at may work") + ": warnings " +
+             count(Severity::warning) + ".\n";
     default:
-      return "A verification will work here.\n";
+      return say("A verification will work here.\n", "What was looked at is in order.\n");
   }
 }
 

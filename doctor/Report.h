@@ -13,8 +13,8 @@ Severity worst(const Findings& findings);
 
 // A finding as lines for people, control characters replaced; with colours for a terminal.
 std::string textReport(const Finding& finding, bool hasColours);
-// The last line.
-std::string summary(const Findings& findings);
+// The last line; of some checks only, it does not speak for the machine.
+std::string summary(const Findings& findings, bool ofAllChecks);
 
 // {"status": "ok", "findings": [{"check", "severity", "found", "advice"}]}
 std::string jsonReport(const Findings& findings);

@@ -29,7 +29,7 @@ int run(const Command& command) {
     }
   }
   if (!command.isJSON) std::cout << '\n';
-  std::cout << (command.isJSON ? jsonReport(all) : summary(all));
+  std::cout << (command.isJSON ? jsonReport(all) : summary(all, command.only.empty()));
   if (!std::cout.flush()) {
     std::cerr << "the report cannot be written\n";
     return kFailure;

@@ -64,6 +64,15 @@ HttpAnswer Backend::answer(const HttpRequest& http) {
     note("GET " + printable(http.target) + " 200");
     return http.path() == "/terms/" ? termsPage() : privacyPage();
   }
+  // A look whether anybody answers, and at the clock, is no request of an application's.
+  if (http.method == "HEAD" && http.target == "/") {
+    note("HEAD / 200");
+    return {200,
+            "text/plain",
+            "",
+            Delivery::whole,
+            {{"Date", httpDate(std::chrono::system_clock::now())}}};
+  }
   auto judged = judge(http);
   if (judged.request.upload) {
     if (auto failure = store_.saveFile(judged.file, *judged.request.upload)) {

@@ -4,6 +4,9 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <iomanip>
+#include <locale>
+#include <sstream>
 #include <system_error>
 
 #include <sys/random.h>
@@ -155,6 +158,16 @@ std::string timestamp(std::chrono::system_clock::time_point time) {
                 utc.tm_mon + 1, utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec,
                 static_cast<int>(milliseconds));
   return text.data();
+}
+
+std::string httpDate(std::chrono::system_clock::time_point time) {
+  const auto calendar = std::chrono::system_clock::to_time_t(time);
+  std::tm utc{};
+  gmtime_r(&calendar, &utc);
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << std::put_time(&utc, "%a, %d %b %Y %H:%M:%S GMT");
+  return text.str();
 }
 
 }  // namespace kestrova::sandbox

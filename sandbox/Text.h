@@ -30,5 +30,7 @@ std::string randomHex(std::size_t bytes);
 
 // UTC with milliseconds, as 2026-01-31T12:00:00.000Z.
 std::string timestamp(std::chrono::system_clock::time_point time);
+// As HTTP writes it: Sat, 31 Jan 2026 12:00:00 GMT.
+std::string httpDate(std::chrono::system_clock::time_point time);
 
 }  // namespace kestrova::sandbox

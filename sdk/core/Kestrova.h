@@ -25,9 +25,10 @@ class KESTROVA_EXPORT Kestrova {
   static std::optional<std::string> apiKey;
   // Of the verification that was opened last and answered.
   static std::optional<std::string> authentication_key;
-  static std::optional<std::string> step;
   // The backend's last word; no screen is chosen by it.
   static std::optional<std::string> next_step;
+  // The host's to use: the SDK neither sets nor reads these four.
+  static std::optional<std::string> step;
   static std::optional<std::string> message;
   static std::optional<std::string> status;
   static std::optional<std::string> response_code;

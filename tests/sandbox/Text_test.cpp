@@ -36,6 +36,9 @@ TEST(Text, Utf8IsJudgedStrictly) {
 
 TEST(Text, TimesAreUtcWithMilliseconds) {
   EXPECT_EQ(
+      httpDate(std::chrono::system_clock::time_point(std::chrono::milliseconds(1709164800007))),
+      "Thu, 29 Feb 2024 00:00:00 GMT");
+  EXPECT_EQ(
       timestamp(std::chrono::system_clock::time_point(std::chrono::milliseconds(1709164800007))),
       "2024-02-29T00:00:00.007Z");
 }

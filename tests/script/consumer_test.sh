@@ -1,34 +1,40 @@
 #!/usr/bin/env bash
 # Installs a build into an empty prefix, moves it, and builds and runs an integrator's project with
-# it. Of a shared library it compares what is exported with what is kept, and where asked its size with
-# its budget.
-# usage: consumer_test.sh BUILD EXPORTS [--sizes]
+# it; or, with --packages, does the same with what the packages in the build's folder hold, and compares
+# the sizes with their budgets. Of a shared library it compares what is exported with what is kept.
+# usage: consumer_test.sh BUILD EXPORTS [--packages]
 set -euo pipefail
 export LC_ALL=C
 
 build=$1
 exports=$2
-sizes=${3:-}
+packages=${3:-}
 here=$(cd "$(dirname "$0")/../consumer" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "$*" >&2; exit 1; }
 
-# Packages take what the components hold; the sandbox is a program of its own.
-for component in runtime dev; do
-  cmake --install "$build" --prefix "$work/first" --component $component --strip >"$work/files"
-done
-mv "$work/first" "$work/prefix"
+if [ -n "$packages" ]; then
+  for package in "$build"/*.deb; do dpkg-deb -x "$package" "$work/first"; done
+  mv "$work/first/usr" "$work/prefix"
+  "$work/prefix/bin/kestrova-doctor" --check bundle >"$work/lines" || fail "$(cat "$work/lines")"
+  "$work/prefix/bin/kestrova-sandbox" --help >"$work/lines"
+else
+  for component in runtime dev; do
+    cmake --install "$build" --prefix "$work/first" --component $component --strip >"$work/files"
+  done
+  mv "$work/first" "$work/prefix"
+fi
 library=$(find "$work/prefix" -name 'libkestrova.so.*.*.*')
 bundle=$(find "$work/prefix" -name Kestrova.bundle)
 
 if [ -n "$library" ]; then
   nm -DC --defined-only "$library" | cut -d' ' -f3- |
-    grep -vE '^((typeinfo name|typeinfo|vtable) for )?std::' | sort -u >"$work/exports"
-  diff "$exports" "$work/exports" ||
-    fail "The library exports something else. If that is meant: cp $work/exports sdk/exports.txt"
+    grep -vE '^((typeinfo name|typeinfo|vtable) for )?std::' | sort -u >"$build/exports.txt"
+  diff "$exports" "$build/exports.txt" ||
+    fail "The library exports something else. If that is meant: cp $build/exports.txt sdk/exports.txt"
 fi
-[ -z "$sizes" ] || for pair in "$library 1572864" "$bundle 4194304"; do
+[ -z "$packages" ] || for pair in "$library 1572864" "$bundle 4194304"; do
   read -r what most <<<"$pair"
   bytes=$(du -sb "$what" | cut -f1)
   echo "$(basename "$what"): $bytes bytes of $most"
