@@ -49,8 +49,8 @@ if(KESTROVA_PRECOMPILE)
       HEADERS ${standard} <gtest/gtest.h> <QtTest/qtestevent.h> <QtTest/qtest_gui.h>
               <QtCore/QAbstractItemModel> <QtWidgets/QApplication>
       LINKS GTest::gtest Qt6::Test Qt6::Widgets)
-    kestrova_sanitize_test(kestrova_precompiled_test)
-    kestrova_sanitize_test(kestrova_precompiled_interface_test)
+    kestrova_test_options(kestrova_precompiled_test)
+    kestrova_test_options(kestrova_precompiled_interface_test)
     target_compile_options(kestrova_precompiled_interface_test PRIVATE
       -UQT_TESTCASE_BUILDDIR -UQT_TESTCASE_SOURCEDIR)
   endif()
