@@ -1,6 +1,6 @@
 # Most of what the compiler reads for a small file is the standard library, and in a test GoogleTest
 # and the toolkit besides. With KESTROVA_PRECOMPILE they are read once for all targets. A file that
-# forgets an include is found by the presets clang, release and fuzz, which do without.
+# forgets an include is found by the presets clang and release, which do without.
 
 option(KESTROVA_PRECOMPILE "Precompile the standard library's headers, for builds that are made often"
        OFF)
@@ -29,9 +29,11 @@ endfunction()
 if(KESTROVA_PRECOMPILE)
   # A precompiled header serves only who is compiled in the same way. In one, g++ 12 does not know
   # headers of the system any more, and warns of what it takes operator+ of strings to do.
+  # clang's holds the time when it was made, by which no compiler cache would know it again.
   target_compile_options(kestrova_options INTERFACE
-    -fPIC -pthread
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow;-Wno-stringop-overread>)
+    $<BUILD_INTERFACE:-fPIC> $<BUILD_INTERFACE:-pthread>
+    "$<BUILD_INTERFACE:$<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow;-Wno-stringop-overread>>"
+    "$<BUILD_INTERFACE:$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>>")
 
   set(standard
     <algorithm> <any> <array> <atomic> <charconv> <chrono> <cmath> <condition_variable> <cstddef>
