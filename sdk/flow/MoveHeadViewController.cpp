@@ -97,6 +97,7 @@ void MoveHeadViewController::recordSelfieVideo(const std::shared_ptr<UIControl>&
 }
 
 void MoveHeadViewController::accessAnswered(bool granted) {
+  if (!isAppearing()) return;
   if (!granted) {
     const auto alert = std::make_shared<UIAlertController>(
         "Alert", "We need access to your camera to verify your identity.");
@@ -122,6 +123,7 @@ void MoveHeadViewController::engineAnswered(bool success) {
     print("Zoom failed to initialize");
     return;
   }
+  if (!isAppearing()) return;
   constexpr ZoomSDKStatus kReady{1};
   if (Zoom::sdk().getStatus() != kReady) return;
   setZoomCustomizationBasedOnDevice();
@@ -175,7 +177,7 @@ void MoveHeadViewController::makeMovie(const ZoomVerificationResult& result) {
           ? static_cast<std::int64_t>(*metrics.devicePartialLivenessResult)
           : 0;
   print(lineOf(result, metrics, liveScore));
-  if (!metrics.auditTrail || metrics.auditTrail->empty()) return;
+  if (!metrics.auditTrail || metrics.auditTrail->empty() || !isAppearing()) return;
   const auto first = metrics.auditTrail->front().cgImage();
   if (!first) return;
   const auto movie = std::make_shared<CXEImagesToVideo>(
@@ -184,8 +186,8 @@ void MoveHeadViewController::makeMovie(const ZoomVerificationResult& result) {
   movie->createMovieFrom(*metrics.auditTrail, [weak = std::weak_ptr(shared(this)),
                                                liveScore](const std::filesystem::path& url) {
     const auto alive = weak.lock();
-    // A selfie that was left behind goes nowhere.
-    if (!alive || !alive->viewIfLoaded() || !alive->view()->window()) return;
+    // The user has left the screen: the selfie is not sent.
+    if (!alive || !alive->isAppearing()) return;
     if (const auto overlay = alive->loadingView.lock()) overlay->setHidden(false);
     alive->uploadVideoAndLivenessScore(url, static_cast<double>(liveScore));
   });

@@ -59,6 +59,11 @@ class Selfie : public test::CaptureFlowTest {
     }
     return false;
   }
+  // The middles of the controls in the frame.
+  static constexpr CGPoint kClose{345, 28};
+  static constexpr CGPoint kBack{28, 28};
+  // Longer than anything takes that is expected not to happen.
+  static constexpr std::chrono::milliseconds kMoment{300};
   std::size_t resultLines() const { return linesThatBegin("sessionID: ").size(); }
 };
 
@@ -257,13 +262,22 @@ TEST_F(Selfie, CanBeLeftDuringTheRunTheEncodingAndTheUpload) {
   finishMotion();
   EXPECT_TRUE(watchUntil([&] { return gone.expired(); }));
 
-  // While the movie is made: nobody sends it. It is whole before the next one is begun.
+  // While the movie is made, in the middle of the motion away from the screen. It is whole before
+  // the next one is begun.
   device->picture = test::plain(1280, 960, 0xff204080);
-  open();
-  takeSelfie();
-  ASSERT_TRUE(watchUntil([&] { return resultLines() == 1; }));
-  wrapper->dismiss(false);
-  ASSERT_TRUE(watchUntil([] { return documents() == std::vector{movieName()} && !isMovieOpen(); }));
+  for (const CGPoint control : {kClose, kBack}) {
+    const auto runs = resultLines();
+    open();
+    takeSelfie();
+    ASSERT_TRUE(watchUntil([&] { return resultLines() == runs + 1; }));
+    click(flowWindow(), control);
+    ASSERT_TRUE(waitFor([] { return documents() == std::vector{movieName()} && !isMovieOpen(); }));
+    EXPECT_FALSE(waitFor([&] { return countOf("record_face_video") > 0; }, kMoment));
+    finishMotion();
+    EXPECT_FALSE(top<MoveHeadViewController>());
+    wrapper->dismiss(false);
+    settle();
+  }
   open();
   takeSelfie();
   ASSERT_TRUE(waitForTop<ChooseDocumentTypeViewController>());
@@ -277,9 +291,28 @@ TEST_F(Selfie, CanBeLeftDuringTheRunTheEncodingAndTheUpload) {
   takeSelfie();
   ASSERT_TRUE(watchUntil([&] { return !screen->loadingView.lock()->isHidden(); }));
   EXPECT_TRUE(shows("Sending your video"));
-  click(flowWindow(), {345, 28});
+  click(flowWindow(), kClose);
   finishMotion();
   EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+}
+
+TEST_F(Selfie, OpensNothingOverTheScreenThatComesAfterIt) {
+  for (const bool isRefused : {true, false}) {
+    const auto screen = open();
+    if (isRefused) device->refusal = cameraError(CameraErrorCode::notPermitted, "scripted");
+    // Both before an answer can come.
+    const auto button = usableButton(*screen->view(), "Start");
+    press(*button, middle(*button));
+    release(*button, middle(*button));
+    click(flowWindow(), kBack);
+    ASSERT_TRUE(waitFor([&] { return !device->calls().empty(); }));
+    EXPECT_FALSE(waitFor([&] { return screen->presentedViewController() != nullptr; }, kMoment));
+    finishMotion();
+    EXPECT_EQ(navigation()->viewControllers().size(), 1U);
+    device->refusal.reset();
+    wrapper->dismiss(false);
+    settle();
+  }
 }
 
 TEST_F(Selfie, ShowsTheEnginesScreenAsTheFlowWantsIt) {
