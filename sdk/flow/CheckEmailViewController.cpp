@@ -61,8 +61,14 @@ void CheckEmailViewController::viewDidLoad() {
   registerForKeyboardNotifications();
 }
 
+void CheckEmailViewController::viewWillAppear(bool animated) {
+  UIViewController::viewWillAppear(animated);
+  setWaiting(false);
+}
+
 void CheckEmailViewController::viewWillDisappear(bool animated) {
   UIViewController::viewWillDisappear(animated);
+  ++visit_;
   auto& center = NotificationCenter::defaultCenter();
   center.removeObserver(this, UIKeyboardWillShowNotification);
   center.removeObserver(this, UIKeyboardWillHideNotification);
@@ -129,7 +135,7 @@ bool CheckEmailViewController::isValidEmail(std::string_view text) {
 }
 
 void CheckEmailViewController::enterEmailAddress() {
-  if (emailAddress.empty()) return;
+  if (emailAddress.empty() || isWaiting_) return;
   const std::string email = trimmingWhitespacesAndNewlines(emailAddress);
   if (!isValidEmail(email)) {
     const auto alert =
@@ -156,16 +162,17 @@ void CheckEmailViewController::enterEmailAddress() {
 void CheckEmailViewController::signupEmailToBackend(const std::string& apiKey,
                                                     const std::string& authentication_key,
                                                     const std::string& email) {
-  API::signupWithEmail(apiKey, authentication_key, email,
-                       [weak = std::weak_ptr(shared(this))](const JSONDictionary& answer) {
-                         print("singup response: " + description(answer));
-                         if (const auto alive = weak.lock()) {
-                           alive->startProcessAsNewUserAuthenticate();
-                         }
-                       });
+  API::signupWithEmail(
+      apiKey, authentication_key, email,
+      [weak = std::weak_ptr(shared(this)), visit = visit_](const JSONDictionary& answer) {
+        print("singup response: " + description(answer));
+        const auto alive = weak.lock();
+        if (alive && alive->visit_ == visit) alive->startProcessAsNewUserAuthenticate();
+      });
 }
 
 void CheckEmailViewController::setWaiting(bool isWaiting) {
+  isWaiting_ = isWaiting;
   if (const auto waiting = spinner.lock()) waiting->setHidden(!isWaiting);
   if (const auto light = veil.lock()) light->setHidden(!isWaiting);
 }

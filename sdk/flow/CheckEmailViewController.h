@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -35,6 +36,7 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
 
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;
+  void viewWillAppear(bool animated) override;
   void viewWillDisappear(bool animated) override;
 
   void textFieldDidBeginEditing(UITextField& textField) override;
@@ -57,6 +59,11 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   void hideBottomRightOnSmallDevices();
   void styleTextfieldAndButton();
   void registerForKeyboardNotifications();
+
+  // True while the spinner is shown.
+  bool isWaiting_ = false;
+  // Number of times the screen has gone. A response to a request of an earlier visit moves nothing.
+  std::size_t visit_ = 0;
 };
 
 }  // namespace kestrova

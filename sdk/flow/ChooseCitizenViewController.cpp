@@ -235,12 +235,18 @@ void ChooseCitizenViewController::startButton(const std::shared_ptr<UIControl>&)
     performSegue(Segues::showErrorScreenfromNationality, shared(this));
     return;
   }
-  API::setNationality(*Kestrova::apiKey, *Kestrova::authentication_key, selectedCountryCode,
-                      [weak = std::weak_ptr(shared(this))](const JSONDictionary& answer) {
-                        print("setNationality response: " + description(answer));
-                        if (const auto alive = weak.lock())
-                          alive->performSegue(Segues::showVerifyEmail, alive);
-                      });
+  API::setNationality(
+      *Kestrova::apiKey, *Kestrova::authentication_key, selectedCountryCode,
+      [weak = std::weak_ptr(shared(this)), visit = visit_](const JSONDictionary& answer) {
+        print("setNationality response: " + description(answer));
+        const auto alive = weak.lock();
+        if (alive && alive->visit_ == visit) alive->performSegue(Segues::showVerifyEmail, alive);
+      });
+}
+
+void ChooseCitizenViewController::viewWillDisappear(bool animated) {
+  UIViewController::viewWillDisappear(animated);
+  ++visit_;
 }
 
 void ChooseCitizenViewController::handleTermTapped(UITapGestureRecognizer& gesture) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,6 +57,7 @@ class ChooseCitizenViewController : public UIViewController,
 
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;
+  void viewWillDisappear(bool animated) override;
 
   bool textFieldShouldBeginEditing(UITextField& textField) override;
   bool textFieldShouldChangeCharactersIn(UITextField& textField, NSRange range,
@@ -98,6 +100,9 @@ class ChooseCitizenViewController : public UIViewController,
   void setDropdownHeight(double height);
   void setIcon(std::string_view code);
   void setChooseButton(bool enabled);
+
+  // Number of times the screen has gone. A response to a request of an earlier visit moves nothing.
+  std::size_t visit_ = 0;
 };
 
 }  // namespace kestrova
