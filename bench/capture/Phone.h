@@ -14,6 +14,7 @@
 #include <QtWidgets/QWidget>
 
 #include "examples/enduser/EndUser.h"
+#include "examples/enduser/UsableButton.h"
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UIViewController.h"
 

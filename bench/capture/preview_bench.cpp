@@ -12,6 +12,7 @@
 #include "bench/Report.h"
 #include "bench/capture/Media.h"
 #include "bench/capture/Phone.h"
+#include "examples/enduser/UsableButton.h"
 #include "platform/capture/CameraConfiguration.h"
 #include "platform/capture/CameraPreviewView.h"
 #include "platform/capture/UIImagePickerController.h"

@@ -9,6 +9,7 @@
 #include "bench/capture/Media.h"
 #include "bench/capture/Phone.h"
 #include "bench/capture/SandboxProcess.h"
+#include "examples/enduser/UsableButton.h"
 #include "platform/capture/CameraConfiguration.h"
 #include "platform/capture/UIImagePickerController.h"
 #include "platform/foundation/FileManager.h"
