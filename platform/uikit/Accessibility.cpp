@@ -44,7 +44,7 @@ bool isOneObject(UIAccessibilityRole role) {
 bool isWorthTelling(const UIView& view) {
   if (view.isHidden() || !view.widget()) return false;
   if (view.accessibilityRole() != UIAccessibilityRole::none || view.isFocusable()) return true;
-  const auto& subviews = view.subviews();
+  const auto subviews = view.reachableSubviews();
   return std::any_of(subviews.begin(), subviews.end(),
                      [](const auto& subview) { return isWorthTelling(*subview); });
 }
@@ -80,7 +80,7 @@ QList<QWidget*> childrenOf(const UIView& view) {
   if (isOneObject(view.accessibilityRole())) return children;
   // Of a window what is presented last, which covers the rest.
   const bool isWindow = dynamic_cast<const UIWindow*>(&view) != nullptr;
-  for (const auto& each : isWindow ? view.subviews() : inReadingOrder(view.subviews())) {
+  for (const auto& each : isWindow ? view.subviews() : inReadingOrder(view.reachableSubviews())) {
     if (!isWorthTelling(*each)) continue;
     if (isWindow) children.clear();
     children.push_back(standIn(*each));
@@ -124,7 +124,7 @@ class ViewObject : public QAccessibleWidget {
     if (const auto* const control = dynamic_cast<const UIControl*>(of.get())) {
       state.disabled = !control->isEnabled();
     }
-    state.focusable = of->isFocusable() && !state.disabled;
+    state.focusable = of->isFocusable() && !state.disabled && of->isReachable();
     state.selectable = of->accessibilityRole() == UIAccessibilityRole::listItem;
     state.selected = of->isAccessibilitySelected();
     state.busy = of->accessibilityRole() == UIAccessibilityRole::busy;
@@ -154,8 +154,9 @@ class ViewObject : public QAccessibleWidget {
 
   QStringList actionNames() const override {
     const auto of = view();
+    if (!of || !of->isReachable()) return {};
     QStringList names = QAccessibleWidget::actionNames();
-    const auto role = of ? of->accessibilityRole() : UIAccessibilityRole::none;
+    const auto role = of->accessibilityRole();
     const bool isPressed =
         role == UIAccessibilityRole::button || role == UIAccessibilityRole::link ||
         role == UIAccessibilityRole::textField || role == UIAccessibilityRole::listItem;
@@ -165,7 +166,8 @@ class ViewObject : public QAccessibleWidget {
 
   void doAction(const QString& name) override {
     const auto of = view();
-    if (!of) return;
+    // Assistive technology may keep an object whose view is covered by now.
+    if (!of || !of->isReachable()) return;
     if (name == pressAction()) {
       of->accessibilityActivate();
     } else if (name == setFocusAction()) {

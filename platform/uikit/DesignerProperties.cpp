@@ -145,6 +145,7 @@ DesignerProperties::Outcome DesignerProperties::apply(const DesignerProperty& pr
       {"contentMode", on(anyView, &Value::contentMode, &View::setContentMode)},
       {"userInteractionEnabled", on(anyView, &Value::flag, &View::setUserInteractionEnabled)},
       {"focusable", on(anyView, &Value::flag, &View::setFocusable)},
+      {"accessibilityViewIsModal", on(anyView, &Value::flag, &View::setAccessibilityViewIsModal)},
       {"accessibleName", on(anyView, &Value::string, &View::setAccessibilityLabel)},
       {"accessibilityRole", on(anyView, &Value::role, &View::setAccessibilityRole)},
       {"enabled", on(static_cast<UIControl*>(nullptr), &Value::flag, &UIControl::setEnabled)},

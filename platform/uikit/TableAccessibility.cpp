@@ -82,7 +82,9 @@ class Row final : public QAccessibleInterface, public QAccessibleActionInterface
   }
   QStringList actionNames() const override { return {pressAction()}; }
   void doAction(const QString& name) override {
-    if (name == pressAction() && isValid()) tableOf(widget_)->accessibilityActivateRow(row_);
+    if (name != pressAction() || !isValid()) return;
+    const auto table = tableOf(widget_);
+    if (table->isReachable()) table->accessibilityActivateRow(row_);
   }
   QStringList keyBindingsForAction(const QString&) const override { return {}; }
 

@@ -90,7 +90,16 @@ void UINavigationController::place(const std::shared_ptr<UIViewController>& cont
 
 void UINavigationController::itemChanged() {
   const auto top = topViewController();
-  if (bar_ && top) bar_->show(top->navigationItem(), stack_.size() > 1);
+  if (bar_ && top) bar_->show(top->navigationItem(), stack_.size() > 1 && !isTopBusy());
+}
+
+void UINavigationController::modalViewChanged() {
+  itemChanged();
+}
+
+bool UINavigationController::isTopBusy() const {
+  const auto top = topViewController();
+  return top && top->viewIfLoaded() && top->viewIfLoaded()->showsModalView();
 }
 
 void UINavigationController::pushViewController(const std::shared_ptr<UIViewController>& controller,
@@ -116,6 +125,7 @@ bool UINavigationController::goBack() {
   if (UIViewController::goBack()) return true;
   const auto top = topViewController();
   if (!top || stack_.size() < 2 || top->navigationItem().hidesBackButton) return false;
+  if (isTopBusy()) return false;
   return popViewController(true) != nullptr;
 }
 

@@ -44,10 +44,11 @@ class UINavigationController : public UIViewController {
   void pushViewController(const std::shared_ptr<UIViewController>& controller, bool animated);
   // Takes the top screen away and returns it; null where it is the only one.
   std::shared_ptr<UIViewController> popViewController(bool animated);
-  // Where the top screen offers a way back.
+  // Where the top screen offers a way back and shows no modal view.
   bool goBack() override;
   // The top screen's navigation item is another one.
   void itemChanged();
+  void modalViewChanged() override;
 
   void loadView() override;
   void viewDidLoad() override;
@@ -63,6 +64,7 @@ class UINavigationController : public UIViewController {
                 const std::shared_ptr<UIViewController>& to, bool forward, bool animated);
   void leave(const std::shared_ptr<UIViewController>& screen);
   void finishMotion();
+  bool isTopBusy() const;
 
   std::vector<std::shared_ptr<UIViewController>> stack_;
   std::shared_ptr<UIView> content_;

@@ -359,7 +359,7 @@ std::shared_ptr<UITextField> UITextField::edited() {
 bool UITextField::becomeFirstResponder() {
   const auto self = shared(this);
   if (isEditing_) return true;
-  if (isAsking_ || !isEnabled() || !editor_ || !window()) return false;
+  if (isAsking_ || !isEnabled() || !editor_ || !isReachable()) return false;
   if (const auto asked = delegate.lock()) {
     isAsking_ = true;
     const bool may = asked->textFieldShouldBeginEditing(*this);

@@ -408,6 +408,7 @@ void UIView::place(const std::shared_ptr<UIView>& view, std::size_t index) {
   }
   setNeedsLayout();
   held->notifyWindow();
+  if (held->showsModalView()) modalSubviewChanged();
 }
 
 void UIView::removeFromSuperview() {
@@ -415,6 +416,7 @@ void UIView::removeFromSuperview() {
   const auto self = shared(this);
   UIView& parent = *superview_;
   const CGRect last = frame();
+  const bool wasModal = showsModalView();
   std::erase_if(parent.subviews_, [this](const auto& view) { return view.get() == this; });
   superview_ = nullptr;
   frame_ = last;
@@ -424,6 +426,7 @@ void UIView::removeFromSuperview() {
   }
   parent.setNeedsLayout();
   notifyWindow();
+  if (wasModal) parent.modalSubviewChanged();
 }
 
 void UIView::bringSubviewToFront(const UIView& view) {
@@ -475,6 +478,55 @@ void UIView::setHidden(bool hidden) {
   if (isHidden_ == hidden) return;
   isHidden_ = hidden;
   if (widget_ && superview_) widget_->setVisible(!hidden);
+  if (isModal_ && superview_) superview_->modalSubviewChanged();
+}
+
+void UIView::setAccessibilityViewIsModal(bool isModal) {
+  if (isModal_ == isModal) return;
+  isModal_ = isModal;
+  if (superview_) superview_->modalSubviewChanged();
+}
+
+const UIView* UIView::modalSubview() const {
+  const auto found = std::find_if(subviews_.rbegin(), subviews_.rend(), [](const auto& each) {
+    return each->isModal_ && !each->isHidden_;
+  });
+  return found == subviews_.rend() ? nullptr : found->get();
+}
+
+std::vector<std::shared_ptr<UIView>> UIView::reachableSubviews() const {
+  const UIView* const modal = modalSubview();
+  if (!modal) return subviews_;
+  return {*std::find_if(subviews_.begin(), subviews_.end(),
+                        [modal](const auto& each) { return each.get() == modal; })};
+}
+
+bool UIView::showsModalView() const {
+  if (isHidden_) return false;
+  return isModal_ || std::any_of(subviews_.begin(), subviews_.end(),
+                                 [](const auto& each) { return each->showsModalView(); });
+}
+
+bool UIView::isReachable() const {
+  const UIView* view = this;
+  for (; view->superview_; view = view->superview_) {
+    const UIView& parent = *view->superview_;
+    const UIView* const modal = parent.modalSubview();
+    if (view->isHidden_ || (modal && modal != view)) return false;
+    if (parent.superview_ || !dynamic_cast<const UIWindow*>(&parent)) continue;
+    // The last subview of a window is presented over the others.
+    const auto topmost = std::find_if(parent.subviews_.rbegin(), parent.subviews_.rend(),
+                                      [](const auto& each) { return !each->isHidden_; });
+    if (topmost->get() != view) return false;
+  }
+  return view->isInWindowNow();
+}
+
+void UIView::modalSubviewChanged() {
+  if (const auto window = this->window()) window->dropUnreachableFocus();
+  for (const UIView* above = this; above; above = above->superview_) {
+    if (const auto controller = above->viewController_.lock()) controller->modalViewChanged();
+  }
 }
 
 void UIView::setContentMode(UIViewContentMode mode) {
@@ -670,8 +722,10 @@ void UIView::removeGestureRecognizer(const UIGestureRecognizer& recognizer) {
 
 std::shared_ptr<UIView> UIView::hitTest(CGPoint point) {
   if (isHidden_ || !isUserInteractionEnabled_ || !bounds().contains(point)) return nullptr;
+  const UIView* const modal = modalSubview();
   for (auto each = subviews_.rbegin(); each != subviews_.rend(); ++each) {
     const UIView& subview = **each;
+    if (modal && modal != &subview) continue;
     const CGPoint inside = point - subview.frame().origin + subview.boundsOrigin_;
     if (auto hit = (*each)->hitTest(inside)) return hit;
   }
@@ -700,7 +754,7 @@ bool UIView::isFocusedByKeyboard() const {
 }
 
 void UIView::becomeFocused() {
-  if (widget_) widget_->setFocus(Qt::TabFocusReason);
+  if (widget_ && isReachable()) widget_->setFocus(Qt::TabFocusReason);
 }
 
 bool UIView::keyPressed(const std::string&) {

@@ -163,17 +163,32 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   // will where `force` is set. Whether no field is edited any more.
   virtual bool endEditing(bool force);
 
+  // While a modal view is visible, its siblings and everything in them take no touch, key or focus
+  // and are hidden from assistive technology. The topmost visible one counts. Back is not offered
+  // while the top screen of a navigation controller shows one.
+  bool accessibilityViewIsModal() const { return isModal_; }
+  void setAccessibilityViewIsModal(bool isModal);
+  // True while this view or one of its visible subviews, at any depth, is visible and modal.
+  bool showsModalView() const;
+  // False while the view is in no window, hidden, beside a modal view or below a presented screen,
+  // either itself or through a superview.
+  bool isReachable() const;
+
   // A view that can take the keyboard's focus takes part in the Tab order.
   bool isFocusable() const { return isFocusable_; }
   void setFocusable(bool focusable);
   bool isFocused() const;
   // Focused, and not merely because its window came to the front.
   bool isFocusedByKeyboard() const;
+  // Does nothing while the view is not reachable.
   void becomeFocused();
   // A key that reached the focused view or one below this one: true where it was used.
   virtual bool keyPressed(const std::string& key);
   // The shape of the focus ring, in this view's coordinates; none where it is empty.
   virtual CGRect focusRect() const;
+
+  // The subviews that people can reach: only the modal one while a modal one is visible.
+  std::vector<std::shared_ptr<UIView>> reachableSubviews() const;
 
   // Called on a view that a nib or storyboard holds; what it returns takes its place there.
   virtual std::shared_ptr<UIView> awakeAfter() { return shared(this); }
@@ -228,6 +243,9 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   const UIView& top() const;
   bool isInWindowNow() const;
   void notifyWindow();
+  // Null without a visible modal subview.
+  const UIView* modalSubview() const;
+  void modalSubviewChanged();
   void layoutPass();
   void layoutTree();
   void settleConstraints();
@@ -249,6 +267,7 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   bool isInWindow_ = false;
   bool isUserInteractionEnabled_ = true;
   bool isFocusable_ = false;
+  bool isModal_ = false;
   bool isFocusedByKeyboard_ = false;
   bool needsLayout_ = true;
   bool translatesAutoresizingMask_ = true;

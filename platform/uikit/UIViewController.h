@@ -103,6 +103,9 @@ class KESTROVA_EXPORT UIViewController : public UIResponder {
   bool escape();
   virtual bool goBack();
 
+  // A modal view inside this screen's view has come or gone.
+  virtual void modalViewChanged() {}
+
   // By the storyboard, before anything else.
   void setScene(std::shared_ptr<const UIStoryboardScene> scene) { scene_ = std::move(scene); }
   const std::shared_ptr<const UIStoryboardScene>& scene() const { return scene_; }

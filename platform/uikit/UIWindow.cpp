@@ -165,7 +165,7 @@ void collectFocusable(const std::shared_ptr<UIView>& view,
     const auto* control = dynamic_cast<const UIControl*>(view.get());
     if (!control || control->isEnabled()) found.push_back(view);
   }
-  for (const auto& subview : view->subviews()) collectFocusable(subview, found);
+  for (const auto& subview : view->reachableSubviews()) collectFocusable(subview, found);
 }
 
 bool holdsFocus(const UIView& view) {
@@ -214,6 +214,15 @@ bool UIWindow::moveFocus(bool forward) {
   order[target]->becomeFocused();
   reveal(order[target]);
   return true;
+}
+
+void UIWindow::dropUnreachableFocus() {
+  if (!widget()) return;
+  const QWidget* focused = widget()->window()->focusWidget();
+  while (focused && focused != widget() && !UIView::of(focused)) focused = focused->parentWidget();
+  const auto view = UIView::of(focused);
+  if (!view || view.get() == this || view->window().get() != this || view->isReachable()) return;
+  widget()->setFocus(Qt::OtherFocusReason);
 }
 
 bool UIWindow::keyPressed(const std::string& key) {

@@ -50,6 +50,8 @@ class UIWindow : public UIView {
   // Gives the keyboard's focus to the next focusable view (the one before where not `forward`) of
   // what is on top here, in reading order and round the end.
   bool moveFocus(bool forward);
+  // Takes the focus from a view that is no longer reachable; no view has it then.
+  void dropUnreachableFocus();
 
   // Whether keys that nobody here has used go on to the host's form.
   bool isInsideForm() const { return kind_ == Kind::inside; }

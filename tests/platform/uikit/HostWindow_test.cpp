@@ -203,8 +203,9 @@ TEST_F(HostWindow, MayGoWhileAFieldIsEditedWhoseEndTakesTheScreenApart) {
     const auto wrapper = UIViewController::wrapping(*own);
     auto flow = screen();
     wrapper->present(flow, false);
-    flow->present(std::make_shared<UIAlertController>("Title", "Text"), false);
-    const auto edited = addField(*flow);
+    const auto alert = std::make_shared<UIAlertController>("Title", "Text");
+    flow->present(alert, false);
+    const auto edited = addField(*alert);
     const auto ender = std::make_shared<Ender>();
     edited->delegate = ender;
     ASSERT_TRUE(edited->becomeFirstResponder());
