@@ -26,7 +26,8 @@ enum class Delivery {
   byteByByte,
   stalled,  // head and half of the body; then nothing until the client leaves
   never,
-  cut,  // none: the connection is reset
+  cut,     // none: the connection is reset
+  closed,  // none: the connection is closed in order
 };
 
 struct HttpAnswer {

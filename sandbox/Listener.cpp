@@ -170,6 +170,12 @@ void Listener::accept() {
   }
 }
 
+std::size_t Listener::connectionsOpen() {
+  const std::lock_guard lock(mutex_);
+  return static_cast<std::size_t>(
+      std::ranges::count(clients_, false, [](const auto& client) { return client.done; }));
+}
+
 void Listener::reap(bool all) {
   std::list<Client> ended;
   {
@@ -232,6 +238,7 @@ void Listener::serveRequests(Connection& connection) {
         return;
       case HttpReader::End::closed:
         if (result.inside) handler_->note("a connection ended in the middle of a request");
+        connection.close();
         return;
     }
   }
@@ -260,6 +267,9 @@ bool Listener::send(Connection& connection, const HttpAnswer& answer, bool keepA
       return false;
     case Delivery::cut:
       connection.reset();
+      return false;
+    case Delivery::closed:
+      connection.close();
       return false;
   }
   if (!keepAlive) connection.close();

@@ -46,6 +46,7 @@ class Listener {
 
   std::uint16_t port() const { return port_; }
   std::size_t connectionsAccepted() const { return accepted_; }
+  std::size_t connectionsOpen();
 
   // While true, connections are refused, though the port stays taken; open ones are ended. In force
   // on return. Not from a handler of this listener.

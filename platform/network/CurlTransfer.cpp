@@ -4,9 +4,8 @@
 #include <utility>
 
 #include <curl/curl.h>
-#include <fcntl.h>
-#include <sys/socket.h>
 
+#include "platform/network/CurlSockets.h"
 #include "platform/network/TemporaryFile.h"
 
 namespace kestrova::platform {
@@ -20,11 +19,6 @@ constexpr std::array kMethodNames{"OPTIONS", "GET",    "HEAD",  "POST",   "PUT",
 
 void append(CurlList& list, const std::string& line) {
   list.reset(curl_slist_append(list.release(), line.c_str()));
-}
-
-// The library's own sockets would be inherited by programs that the host starts.
-curl_socket_t openSocket(void* /*context*/, curlsocktype /*purpose*/, curl_sockaddr* address) {
-  return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
 // A list of authorities in one file is parsed once and kept; a directory beside it would both
@@ -54,9 +48,11 @@ void CurlListDeleter::operator()(curl_slist* list) const {
 CurlTransfer::CurlTransfer(HTTPRequest request, HTTPTransport::Completion completion)
     : request_(std::move(request)), completion_(std::move(completion)) {}
 
-void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& configuration) {
+void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& configuration,
+                         CurlSockets& sockets) {
   handle_ = std::move(easy);
   CURL* const handle = handle_.get();
+  sockets_ = &sockets;
   maximumAnswer_ = configuration.maximumAnswer;
   idleTimeout_ = configuration.idleTimeout;
   lastProgress_ = DispatchClock::now();
@@ -75,7 +71,7 @@ void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& config
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
   // A name lookup that hangs must hold up neither other requests nor the process's end.
   curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
-  curl_easy_setopt(handle, CURLOPT_OPENSOCKETFUNCTION, &openSocket);
+  sockets.serve(handle);
   curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT_MS,
                    static_cast<long>(configuration.idleTimeout.count()));
   setTrust(handle, configuration.trustedAuthorities);
@@ -113,6 +109,8 @@ void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& config
                      static_cast<curl_off_t>(request_.body.size()));
   }
 
+  curl_easy_setopt(handle, CURLOPT_PREREQFUNCTION, &beforeRequest);
+  curl_easy_setopt(handle, CURLOPT_PREREQDATA, this);
   curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &writeAnswer);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, this);
   curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &noteHeader);
@@ -120,6 +118,22 @@ void CurlTransfer::start(CurlEasy easy, const HTTPTransportConfiguration& config
   curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
   curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &noteProgress);
   curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
+}
+
+// libcurl calls this each time it is about to write the request to a connection. When a kept
+// connection ends before the response, libcurl would send the request again on another one,
+// although the server may have received it.
+int CurlTransfer::beforeRequest(void* self, char* /*remoteAddress*/, char* /*localAddress*/,
+                                int /*remotePort*/, int localPort) {
+  auto& transfer = *static_cast<CurlTransfer*>(self);
+  if (transfer.isWritten_) return CURL_PREREQFUNC_ABORT;
+  long newConnections = 0;
+  curl_easy_getinfo(transfer.handle(), CURLINFO_NUM_CONNECTS, &newConnections);
+  // libcurl 7.88 reuses a connection that the server has closed if TLS's closing message is still
+  // unread. Once it is shut down, no byte can leave on it, and libcurl goes on to another one.
+  const bool isKept = newConnections == 0;
+  transfer.isWritten_ = !isKept || !transfer.sockets_->shutDownIfReadable(localPort);
+  return CURL_PREREQFUNC_OK;
 }
 
 std::size_t CurlTransfer::writeAnswer(char* data, std::size_t size, std::size_t count, void* self) {

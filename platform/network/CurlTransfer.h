@@ -13,6 +13,8 @@ using CURL = void;
 
 namespace kestrova::platform {
 
+class CurlSockets;
+
 struct CurlEasyDeleter {
   void operator()(CURL* handle) const;
 };
@@ -32,8 +34,9 @@ class CurlTransfer {
   CurlTransfer& operator=(const CurlTransfer&) = delete;
   ~CurlTransfer() = default;
 
-  // Sets `handle`, fresh or used before, up for the request.
-  void start(CurlEasy handle, const HTTPTransportConfiguration& configuration);
+  // Sets `handle`, fresh or used before, up for the request. `sockets` outlives the transfer.
+  void start(CurlEasy handle, const HTTPTransportConfiguration& configuration,
+             CurlSockets& sockets);
   CURL* handle() const { return handle_.get(); }
   CurlEasy takeHandle() { return std::move(handle_); }
 
@@ -48,6 +51,8 @@ class CurlTransfer {
   static std::size_t writeAnswer(char* data, std::size_t size, std::size_t count, void* self);
   static std::size_t noteHeader(char* line, std::size_t size, std::size_t count, void* self);
   static std::size_t readBody(char* buffer, std::size_t size, std::size_t count, void* self);
+  static int beforeRequest(void* self, char* remoteAddress, char* localAddress, int remotePort,
+                           int localPort);
   static int seekBody(void* self, std::int64_t offset, int origin);
   static int noteProgress(void* self, std::int64_t downloadTotal, std::int64_t downloaded,
                           std::int64_t uploadTotal, std::int64_t uploaded);
@@ -59,9 +64,12 @@ class CurlTransfer {
   std::string answer_;
   std::string libraryError_;
   std::optional<NSError> ownError_;
+  const CurlSockets* sockets_ = nullptr;
   std::size_t maximumAnswer_ = 0;
   std::uint64_t bodyOffset_ = 0;
   std::int64_t moved_ = 0;
+  // True once a byte of the request may have left.
+  bool isWritten_ = false;
   DispatchClock::duration idleTimeout_{};
   DispatchClock::time_point lastProgress_;
   // Last, so that it ends before what it refers to.

@@ -117,7 +117,7 @@ void CurlTransport::startWaiting() {
       transfer->fail(unavailable("No memory for a transfer."));
       continue;
     }
-    transfer->start(std::move(handle), configuration_);
+    transfer->start(std::move(handle), configuration_, sockets_);
     curl_multi_add_handle(multi_.get(), transfer->handle());
     active_.push_back(std::move(transfer));
   }

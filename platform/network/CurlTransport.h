@@ -9,6 +9,7 @@
 #include <sys/types.h>
 
 #include "platform/dispatch/WorkerThread.h"
+#include "platform/network/CurlSockets.h"
 #include "platform/network/CurlTransfer.h"
 #include "platform/network/HTTPTransport.h"
 
@@ -45,6 +46,8 @@ class CurlTransport final : public HTTPTransport {
 
   const HTTPTransportConfiguration configuration_;
   const pid_t process_;
+  // Before what closes them.
+  CurlSockets sockets_;
   std::unique_ptr<CURLM, CurlMultiDeleter> multi_;
 
   std::mutex mutex_;

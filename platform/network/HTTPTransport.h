@@ -70,7 +70,9 @@ class HTTPTransport : public std::enable_shared_from_this<HTTPTransport> {
   HTTPTransport& operator=(const HTTPTransport&) = delete;
   virtual ~HTTPTransport() = default;
 
-  // Starts a request. `completion` is called once, on the transport's own thread, where it must not
+  // Sends a request, at most once: when its connection ends before the response, it has failed. A
+  // kept connection that the server has closed meanwhile is replaced before anything is written.
+  // `completion` is called once, on the transport's own thread, where it must not
   // block; an answer of any status is a response. In a forked child it fails at once; uploads have
   // no thread to encode them there.
   virtual void send(HTTPRequest request, Completion completion) = 0;

@@ -20,11 +20,12 @@ class CannedServer : private sandbox::HttpHandler {
  public:
   using Answer = std::function<sandbox::HttpAnswer(const sandbox::HttpRequest&)>;
 
-  explicit CannedServer(Answer answer) : answer_(std::move(answer)) {
+  explicit CannedServer(Answer answer, sandbox::Limits limits = {}) : answer_(std::move(answer)) {
     auto certificates = sandbox::loadCertificates(store_.path());
     tls_ = std::make_unique<sandbox::TlsContext>(
         sandbox::TlsContext::make(certificates.value().server).value());
     sandbox::Listener::Settings settings;
+    settings.limits = limits;
     settings.tls = [this]() -> const sandbox::TlsContext& { return *tls_; };
     listener_ = sandbox::Listener::open(std::move(settings)).value();
     listener_->run(*this);
@@ -34,6 +35,8 @@ class CannedServer : private sandbox::HttpHandler {
   ~CannedServer() override { listener_->stop(); }
 
   std::size_t requests() const { return requests_; }
+  std::size_t connectionsAccepted() const { return listener_->connectionsAccepted(); }
+  std::size_t connectionsOpen() const { return listener_->connectionsOpen(); }
   std::uint16_t port() const { return listener_->port(); }
 
   // Settings that reach this server under the name "localhost".

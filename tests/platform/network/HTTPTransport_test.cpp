@@ -9,6 +9,7 @@
 
 #include "platform/dispatch/MainLoop.h"
 #include "platform/dispatch/RunLoop.h"
+#include "platform/network/TemporaryFile.h"
 #include "tests/support/CannedServer.h"
 
 namespace kestrova::platform {
@@ -16,6 +17,7 @@ namespace {
 
 using sandbox::HttpAnswer;
 using sandbox::HttpRequest;
+using test::CannedServer;
 
 // {"a":1}, and {} behind 100 KiB of spaces, both compressed by gzip.
 constexpr std::string_view kCompressed{
@@ -63,7 +65,7 @@ std::string answerOf(HTTPTransport& transport) {
 }
 
 TEST(HTTPTransport, OffersAndDecodesCompression) {
-  test::CannedServer server([](const HttpRequest& request) {
+  CannedServer server([](const HttpRequest& request) {
     EXPECT_EQ(request.header("Accept-Encoding"), "gzip");
     return compressed(kCompressed);
   });
@@ -71,7 +73,7 @@ TEST(HTTPTransport, OffersAndDecodesCompression) {
 }
 
 TEST(HTTPTransport, LimitsAnAnswerByItsSizeAfterDecompression) {
-  test::CannedServer server([](const HttpRequest&) { return compressed(kCompressedBomb); });
+  CannedServer server([](const HttpRequest&) { return compressed(kCompressedBomb); });
   auto configuration = server.configuration();
   configuration.maximumAnswer = 64 * 1024;
   const auto refused = send(*HTTPTransport::make(configuration), request());
@@ -81,7 +83,7 @@ TEST(HTTPTransport, LimitsAnAnswerByItsSizeAfterDecompression) {
 }
 
 TEST(HTTPTransport, TakesARedirectForTheAnswerItIs) {
-  test::CannedServer server([](const HttpRequest&) {
+  CannedServer server([](const HttpRequest&) {
     return HttpAnswer{307, "application/json\r\nLocation: https://localhost/other", "{}"};
   });
   const auto response = send(*HTTPTransport::make(server.configuration()), request());
@@ -91,7 +93,7 @@ TEST(HTTPTransport, TakesARedirectForTheAnswerItIs) {
 }
 
 TEST(HTTPTransport, SpeaksHTTPSOnly) {
-  test::CannedServer server([](const HttpRequest&) { return HttpAnswer{}; });
+  CannedServer server([](const HttpRequest&) { return HttpAnswer{}; });
   const auto transport = HTTPTransport::make(server.configuration());
   for (const char* const url :
        {"http://localhost/", "file:///etc/hostname", "ftp://localhost/", "", "https://"}) {
@@ -101,14 +103,12 @@ TEST(HTTPTransport, SpeaksHTTPSOnly) {
 }
 
 TEST(HTTPTransport, AnAnswerThatIsEmptyByItsStatusCannotBeDecoded) {
-  test::CannedServer server([](const HttpRequest&) {
-    return HttpAnswer{205, "application/json", "{}"};
-  });
+  CannedServer server([](const HttpRequest&) { return HttpAnswer{205, "application/json", "{}"}; });
   EXPECT_EQ(answerOf(*HTTPTransport::make(server.configuration())), "error");
 }
 
 TEST(HTTPTransport, SendsTheMethodItIsGiven) {
-  test::CannedServer server([](const HttpRequest& request) {
+  CannedServer server([](const HttpRequest& request) {
     return HttpAnswer{200, "text/plain", request.method + " " + request.target};
   });
   const auto transport = HTTPTransport::make(server.configuration());
@@ -123,7 +123,7 @@ TEST(HTTPTransport, SendsTheMethodItIsGiven) {
 }
 
 TEST(HTTPTransport, EndsPromptlyWithRequestsUnderWayAndWithoutTheirHandlers) {
-  test::CannedServer server([](const HttpRequest&) {
+  CannedServer server([](const HttpRequest&) {
     HttpAnswer answer;
     answer.delivery = sandbox::Delivery::never;
     return answer;
@@ -138,10 +138,50 @@ TEST(HTTPTransport, EndsPromptlyWithRequestsUnderWayAndWithoutTheirHandlers) {
   EXPECT_EQ(server.requests(), 4U);
 }
 
+// A request with the body in memory, and one with the body in a file.
+std::vector<HTTPRequest> bodies() {
+  auto file = TemporaryFile::make({});
+  EXPECT_TRUE(file && file.value().write("body"));
+  std::vector<HTTPRequest> requests{request(), request()};
+  requests[0].body = "body";
+  requests[1].bodyFile = std::make_shared<const TemporaryFile>(std::move(file).value());
+  return requests;
+}
+
+TEST(HTTPTransport, NeverSendsARequestAgainThatTheServerReceivedOnAKeptConnection) {
+  for (const auto end : {sandbox::Delivery::cut, sandbox::Delivery::closed}) {
+    for (const auto& sent : bodies()) {
+      CannedServer server([end](const HttpRequest& request) {
+        HttpAnswer answer;
+        if (!request.body.empty()) answer.delivery = end;
+        return answer;
+      });
+      const auto transport = HTTPTransport::make(server.configuration());
+      ASSERT_TRUE(send(*transport, request()));
+      EXPECT_FALSE(send(*transport, sent));
+      EXPECT_EQ(server.requests(), 2U);
+      EXPECT_TRUE(send(*transport, request()));
+    }
+  }
+}
+
+TEST(HTTPTransport, SendsOnANewConnectionAfterTheServerClosedTheIdleOnes) {
+  sandbox::Limits limits;
+  limits.idle = std::chrono::milliseconds(100);
+  CannedServer server([](const HttpRequest&) { return HttpAnswer{}; }, limits);
+  const auto transport = HTTPTransport::make(server.configuration());
+  ASSERT_TRUE(send(*transport, request()));
+  for (const auto& sent : bodies()) {
+    EXPECT_TRUE(RunLoop::runUntil([&server] { return server.connectionsOpen() == 0; },
+                                  DispatchClock::now() + std::chrono::seconds(30)));
+    const auto response = send(*transport, sent);
+    EXPECT_TRUE(response) << response.error().localizedDescription;
+  }
+  EXPECT_EQ(server.requests(), 3U);
+}
+
 TEST(HTTPTransport, RefusesInAForkedChildAndLivesOnInTheParent) {
-  test::CannedServer server([](const HttpRequest&) {
-    return HttpAnswer{200, "text/plain", "yes"};
-  });
+  CannedServer server([](const HttpRequest&) { return HttpAnswer{200, "text/plain", "yes"}; });
   auto transport = HTTPTransport::make(server.configuration());
   ASSERT_TRUE(send(*transport, request()));
   const pid_t child = fork();

@@ -162,12 +162,13 @@ TEST_F(APITest, EverythingElseEndsInOneLineAndSilence) {
   const auto picture = makeFile("picture.png", kPicture);
   configuration.idleTimeout = std::chrono::milliseconds(400);
   useTransport();
-  for (const char* const fault :
+  std::size_t arrived = 0;
+  for (const std::string fault :
        {"status-500-text", "malformed-json", "top-level-array", "empty-body", "no-content", "cut",
         "stall", "never-answers", "refuse"}) {
     play(fault);
     const auto before = output.lines().size();
-    API::createAuthentication("K", collect());
+    API::signupWithEmail("K", "A", "ada@example.com", collect());
     ASSERT_TRUE(waitUntil([&] { return output.lines().size() > before; })) << fault;
     API::recordAuthenticationDocumentPicFRONT(picture, "K", "A", collect());
     ASSERT_TRUE(waitUntil([&] { return output.lines().size() > before + 2; })) << fault;
@@ -176,6 +177,9 @@ TEST_F(APITest, EverythingElseEndsInOneLineAndSilence) {
               (std::vector<std::string>{"Could not parse", "multipartFormData: MultipartFormData",
                                         "Could not parse response as JSON"}))
         << fault;
+    // Each once, on a kept connection too.
+    if (fault != "refuse") arrived += 2;
+    EXPECT_EQ(server->requests().size(), arrived) << fault;
     server->clearScenarios();
   }
   EXPECT_TRUE(answers.empty());
