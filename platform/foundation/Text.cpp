@@ -5,6 +5,7 @@
 #include <memory>
 
 #include <unicode/brkiter.h>
+#include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
@@ -101,6 +102,22 @@ std::string lowercased(std::string_view text) {
 
 std::string uppercased(std::string_view text) {
   return encode(decode(text).toUpper(icu::Locale::getRoot()));
+}
+
+std::string foldingAccentsAndApostrophes(std::string_view text) {
+  UErrorCode status = U_ZERO_ERROR;
+  const auto* const decomposition = icu::Normalizer2::getNFDInstance(status);
+  const auto characters =
+      U_FAILURE(status) ? decode(text) : decomposition->normalize(decode(text), status);
+  icu::UnicodeString folded;
+  for (std::int32_t at = 0; at < characters.length();) {
+    const UChar32 character = characters.char32At(at);
+    at += U16_LENGTH(character);
+    if (u_charType(character) == U_NON_SPACING_MARK) continue;
+    const bool isApostrophe = character == 0x2018 || character == 0x2019 || character == 0x02bc;
+    folded.append(isApostrophe ? UChar32{'\''} : character);
+  }
+  return encode(folded);
 }
 
 std::string capitalized(std::string_view text) {

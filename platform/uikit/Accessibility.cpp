@@ -247,7 +247,7 @@ class FieldObject : public ViewObject,
   void insertText(int offset, const QString& text) override { replaceText(offset, offset, text); }
   void replaceText(int start, int end, const QString& text) override {
     const auto field = std::dynamic_pointer_cast<UITextField>(view());
-    if (!field || !field->becomeFirstResponder()) return;
+    if (!field || !field->beginTyping()) return;
     edit_.setSelection(start, end - start);
     edit_.insert(text);
   }

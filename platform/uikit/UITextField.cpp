@@ -171,7 +171,7 @@ class UITextField::Editor : public QLineEdit {
       field->becomeFirstResponder();
     } else if (!isTyping(*event)) {
       event->ignore();
-    } else if (field->becomeFirstResponder() && field->editor_) {
+    } else if (field->beginTyping() && field->editor_) {
       QLineEdit::keyPressEvent(event);
     }
   }
@@ -380,6 +380,13 @@ bool UITextField::becomeFirstResponder() {
   if (isEditing_) sendActions(UIControlEvents::editingDidBegin);
   if (isEditing_) QGuiApplication::inputMethod()->show();
   return isEditing_;
+}
+
+bool UITextField::beginTyping() {
+  const auto self = shared(this);
+  const auto asked = isEditing_ || !isEnabled() ? nullptr : delegate.lock();
+  if (asked) asked->textFieldWillBeginTyping(*this);
+  return becomeFirstResponder();
 }
 
 bool UITextField::endEditing(bool force) {

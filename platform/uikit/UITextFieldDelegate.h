@@ -14,6 +14,9 @@ class UITextFieldDelegate {
   virtual ~UITextFieldDelegate() = default;
 
   virtual bool textFieldShouldBeginEditing(UITextField&) { return true; }
+  // A typed character is about to begin editing; textFieldShouldBeginEditing() follows. A delegate
+  // that refuses the first tap can get ready here, so that no character is lost.
+  virtual void textFieldWillBeginTyping(UITextField&) {}
   virtual void textFieldDidBeginEditing(UITextField&) {}
   virtual bool textFieldShouldEndEditing(UITextField&) { return true; }
   virtual void textFieldDidEndEditing(UITextField&) {}

@@ -74,6 +74,7 @@ void ChooseCitizenViewController::viewDidLoad() {
   makeGrayBorder();
   makeEncryptionIconRound();
   setChooseButton(false);
+  if (const auto table = tableView.lock()) table->setFocusable(false);
   const auto tap = std::make_shared<UITapGestureRecognizer>(
       shared(this), &ChooseCitizenViewController::internalHideKeyboard);
   tap->delegate = shared(this);
@@ -111,6 +112,12 @@ bool ChooseCitizenViewController::textFieldShouldBeginEditing(UITextField& textF
   return true;
 }
 
+void ChooseCitizenViewController::textFieldWillBeginTyping(UITextField&) {
+  if (shouldShowKeyboard) return;
+  shouldShowKeyboard = true;
+  tapOnArrow(nullptr);
+}
+
 bool ChooseCitizenViewController::textFieldShouldChangeCharactersIn(
     UITextField& textField, NSRange range, std::string_view replacementString) {
   searchCountrylist(replacingCharacters(textField.text(), range, replacementString));
@@ -121,7 +128,9 @@ bool ChooseCitizenViewController::textFieldKeyPressed(UITextField&, std::string_
   const auto table = tableView.lock();
   if (!table) return false;
   if (key == "Return") {
-    if (!isListOpen() || !table->focusedRow()) return false;
+    if (!isListOpen()) return false;
+    if (!table->focusedRow() && searchCountries.size() == 1) table->moveFocusedRow(1);
+    if (!table->focusedRow()) return false;
     table->selectFocusedRow();
     return true;
   }
@@ -181,6 +190,12 @@ void ChooseCitizenViewController::tableViewDidSelectRowAt(UITableView& table,
 }
 
 void ChooseCitizenViewController::setDropdownHeight(double height) {
+  if (const auto table = tableView.lock()) {
+    const auto field = countryTextfield.lock();
+    const bool isClosing = height == kCollapsed;
+    if (isClosing && table->isFocused() && field) field->becomeFocused();
+    table->setFocusable(!isClosing);
+  }
   if (const auto constraint = dropdownHeightConstraint.lock()) constraint->setConstant(height);
   UIView::animate(kDropdownSeconds, [this] { view()->layoutIfNeeded(); });
 }

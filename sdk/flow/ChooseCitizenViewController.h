@@ -47,7 +47,7 @@ class ChooseCitizenViewController : public UIViewController,
   std::vector<CountryEntry> searchCountries;
   // Empty while nothing is chosen.
   std::string selectedCountryCode;
-  // Whether the next tap on the field starts typing; else it only opens the list.
+  // When true, the next tap on the field starts typing; otherwise it only opens the list.
   bool shouldShowKeyboard = false;
   const std::string termText =
       std::string("256-bit encryption is enabled. By clicking the ") + "Next" +
@@ -60,9 +60,11 @@ class ChooseCitizenViewController : public UIViewController,
   void viewWillDisappear(bool animated) override;
 
   bool textFieldShouldBeginEditing(UITextField& textField) override;
+  // Opens the list, which otherwise takes the first tap.
+  void textFieldWillBeginTyping(UITextField& textField) override;
   bool textFieldShouldChangeCharactersIn(UITextField& textField, NSRange range,
                                          std::string_view replacementString) override;
-  // Opens the list, then moves through it and chooses from it.
+  // Opens the list, then moves through it and chooses from it. Return also chooses a single match.
   bool textFieldKeyPressed(UITextField& textField, std::string_view key) override;
 
   std::size_t tableViewNumberOfRowsInSection(UITableView& table, std::size_t section) override;

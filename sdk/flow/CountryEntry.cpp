@@ -69,9 +69,15 @@ std::vector<CountryEntry> countriesIn(const std::filesystem::path& file) {
 std::vector<CountryEntry> matching(const std::vector<CountryEntry>& countries,
                                    std::string_view searchText) {
   const std::string prefix = lowercased(searchText);
+  const std::string folded = foldingAccentsAndApostrophes(prefix);
   std::vector<CountryEntry> kept;
   std::copy_if(countries.begin(), countries.end(), std::back_inserter(kept),
                [&](const auto& country) { return nameOf(country).starts_with(prefix); });
+  if (!kept.empty()) return kept;
+  std::copy_if(countries.begin(), countries.end(), std::back_inserter(kept),
+               [&](const auto& country) {
+                 return foldingAccentsAndApostrophes(nameOf(country)).starts_with(folded);
+               });
   return kept;
 }
 

@@ -26,7 +26,8 @@ bool isSeparator(const CountryEntry& country);
 // an empty list and one line. No divider where fewer than five entries stand before it.
 std::vector<CountryEntry> countriesIn(const std::filesystem::path& file);
 
-// Those whose name, as stored, begins with the text in lower case.
+// The countries whose name, as stored, begins with the text in lower case. When there are none, the
+// comparison ignores accents and kinds of apostrophes, so that "cote d'" finds "côte d’ivoire".
 std::vector<CountryEntry> matching(const std::vector<CountryEntry>& countries,
                                    std::string_view searchText);
 

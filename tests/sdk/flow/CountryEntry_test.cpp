@@ -53,6 +53,14 @@ TEST_F(Countries, AreFoundByTheBeginningOfTheirStoredName) {
   EXPECT_EQ(codes(matching(all, " ge")), "");
   EXPECT_EQ(codes(matching(all, "")), codes(all));
   EXPECT_EQ(codes(matching(all, "united")), "us gb ");
+  // Accents and kinds of apostrophes count only while they tell countries apart.
+  const auto accented = from(R"([{"code":"ax","name":"åland"},{"code":"at","name":"austria"},
+                                 {"code":"ci","name":"côte d’ivoire"}])");
+  EXPECT_EQ(codes(matching(accented, "a")), "at ");
+  EXPECT_EQ(codes(matching(accented, "al")), "ax ");
+  for (const char* const text : {"cote d'", "CÔTE D‘", "cote dʼ", "côte d’"}) {
+    EXPECT_EQ(codes(matching(accented, text)), "ci ") << text;
+  }
 }
 
 }  // namespace

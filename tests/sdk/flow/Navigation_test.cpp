@@ -243,16 +243,40 @@ TEST_F(Flow, LetsTheKeyboardOpenTheListMoveAndChoose) {
   EXPECT_EQ(screen->selectedCountryCode, "es");
   EXPECT_EQ(dropdown(*screen), 60);
 
-  // Typing begins at once, and the arrows move through what is found.
-  QTest::keyClicks(QApplication::focusWidget(), "g");
-  finishMotion();
+  // Typing begins with the first letter, and the arrows move through what is found.
   QTest::keyClicks(QApplication::focusWidget(), "ge");
   finishMotion();
   EXPECT_TRUE(field->isEditing());
+  EXPECT_EQ(field->text(), "ge");
   press(Qt::Key_Down, 2);
   press(Qt::Key_Return);
   EXPECT_EQ(screen->selectedCountryCode, codeOf(screen->searchCountries.at(1)));
   EXPECT_TRUE(screen->chooseButton.lock()->isEnabled());
+
+  // Return chooses the only match without an arrow key; straight apostrophes find typographic ones.
+  for (const char* const text : {"ger", "cote d'"}) {
+    QTest::keyClicks(QApplication::focusWidget(), text);
+    EXPECT_EQ(field->text(), text);
+    press(Qt::Key_Return);
+    EXPECT_EQ(dropdown(*screen), 60) << text;
+  }
+  EXPECT_EQ(screen->selectedCountryCode, "ci");
+  press(Qt::Key_Backspace);
+  EXPECT_EQ(field->text(), "");
+  EXPECT_EQ(screen->selectedCountryCode, "");
+  press(Qt::Key_Escape);
+
+  // Tab passes the closed list by, and reaches the open one.
+  press(Qt::Key_Tab, 2);
+  EXPECT_FALSE(table->isFocused());
+  press(Qt::Key_Backtab);
+  press(Qt::Key_Space);
+  press(Qt::Key_Tab);
+  EXPECT_TRUE(table->isFocused());
+  press(Qt::Key_Return);
+  // What the last search found stays until the next edit.
+  EXPECT_EQ(screen->selectedCountryCode, "ci");
+  EXPECT_TRUE(field->isFocused());
 }
 
 TEST_F(Flow, AsksForANationality) {
