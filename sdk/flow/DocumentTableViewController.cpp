@@ -34,7 +34,8 @@ std::shared_ptr<UITableViewCell> DocumentTableViewController::tableViewCellForRo
 
 void DocumentTableViewController::tableViewDidSelectRowAt(UITableView&,
                                                           const IndexPath& indexPath) {
-  if (const auto told = delegate.lock()) told->didClickOnCell(documentsInOrder[indexPath.row]);
+  if (indexPath.row >= documents.size()) return;
+  if (const auto told = delegate.lock()) told->didClickOnCell(documents[indexPath.row].second);
 }
 
 std::string DocumentTableViewController::tableViewAccessibilityLabelForRowAt(

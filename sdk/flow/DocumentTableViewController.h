@@ -20,7 +20,8 @@ class DocumentTableViewController : public UITableViewController {
       {"Passport", "PASSPORT"},
       {"Driving License", "DRIVERS_LICENSE"},
       {"National ID Card", "NATIONAL_ID_CARD"}};
-  // The backend's names in the order in which rows were made.
+  // The backend's names in the order in which rows were made; a row that is made again adds another
+  // entry. A choice does not depend on it.
   std::vector<std::string> documentsInOrder;
 
   void viewDidLoad() override;

@@ -424,6 +424,32 @@ TEST_F(Flow, HandsTheChosenDocumentOnWithoutWaiting) {
   EXPECT_EQ(front->selectedDocumentType, "DRIVERS_LICENSE");
 }
 
+// A table that was designed low makes its first row again before it makes its last.
+TEST_F(Flow, SendsTheDocumentOfTheTappedRowInALowTable) {
+  class Choice : public DocumentSelectionDelegate {
+   public:
+    std::string document;
+    void didClickOnCell(const std::string& selectedDocument) override {
+      document = selectedDocument;
+    }
+  };
+  const auto choice = std::make_shared<Choice>();
+  const auto list = std::make_shared<DocumentTableViewController>();
+  list->delegate = choice;
+  const auto table = std::make_shared<UITableView>();
+  table->setRowHeight(96);
+  table->registerPrototype("documentCell", [] { return std::make_shared<UITableViewCell>(); });
+  table->dataSource = list;
+  table->delegate = list;
+  place(table, {{}, {375, 90}});
+  for (const double offset : {96, 0, 192}) {
+    table->setContentOffset({0, offset});
+    settle();
+  }
+  tapRow(*table, 2);
+  EXPECT_EQ(choice->document, "NATIONAL_ID_CARD");
+}
+
 TEST_F(Flow, StoresTheNextStepOfAChosenDocumentAlsoWhenTheFlowIsGone) {
   start();
   const auto screen = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
