@@ -33,6 +33,20 @@ void appendTexts(const UIView& view, std::string& texts) {
   }
 }
 
+// Fills the cell and lets touches through.
+class RowRing : public UIView {
+ public:
+  RowRing() {
+    setUserInteractionEnabled(false);
+    fillSuperview();
+  }
+
+ protected:
+  void draw(Canvas& canvas) override {
+    if (const auto cell = superview()) canvas.stroke(cell->focusRect(), kFocus, kRing, kRadius);
+  }
+};
+
 }  // namespace
 
 UITableViewCell::UITableViewCell() {
@@ -64,9 +78,17 @@ void UITableViewCell::setHighlighted(bool highlighted, bool) {
 }
 
 void UITableViewCell::setKeyboardRow(bool isKeyboardRow) {
-  if (isKeyboardRow_ == isKeyboardRow) return;
-  isKeyboardRow_ = isKeyboardRow;
-  setNeedsDisplay();
+  if (!ring_ && !isKeyboardRow) return;
+  if (!ring_) {
+    ring_ = std::make_shared<RowRing>();
+    ring_->setFrame({{}, bounds().size});
+    addSubview(ring_);
+  }
+  ring_->setHidden(!isKeyboardRow);
+}
+
+CGRect UITableViewCell::focusRect() const {
+  return CGRect{{}, bounds().size}.insetBy(kSideMargin, kMargin);
 }
 
 std::string UITableViewCell::accessibilityLabel() const {
@@ -76,12 +98,10 @@ std::string UITableViewCell::accessibilityLabel() const {
 }
 
 void UITableViewCell::draw(Canvas& canvas) {
+  if (selectionStyle_ == UITableViewCellSelectionStyle::none) return;
   const CGRect ground = CGRect{{}, bounds().size}.insetBy(kSideMargin, kMargin);
-  if (selectionStyle_ != UITableViewCellSelectionStyle::none) {
-    if (tint_ > 0) canvas.fill(ground, selection(tint_), kRadius);
-    if (isHighlighted_ && !isSelected_) canvas.fill(ground, kPressed, kRadius);
-  }
-  if (isKeyboardRow_) canvas.stroke(ground, kFocus, kRing, kRadius);
+  if (tint_ > 0) canvas.fill(ground, selection(tint_), kRadius);
+  if (isHighlighted_ && !isSelected_) canvas.fill(ground, kPressed, kRadius);
 }
 
 }  // namespace kestrova::platform

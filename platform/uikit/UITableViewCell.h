@@ -30,6 +30,8 @@ class UITableViewCell : public UIView {
   // The texts of the subviews in their order, where none is set.
   std::string accessibilityLabel() const override;
   bool isAccessibilitySelected() const override { return isSelected_; }
+  // The shape of the ring around the row that keys act on; it lies over the content.
+  CGRect focusRect() const override;
 
  protected:
   void draw(Canvas& canvas) override;
@@ -38,14 +40,15 @@ class UITableViewCell : public UIView {
   friend class CellPool;
   friend class UITableView;
 
-  // The ring of the row that keys act on.
+  // Shows the ring of the row that keys act on.
   void setKeyboardRow(bool isKeyboardRow);
 
   std::string reuseIdentifier_;
   UITableViewCellSelectionStyle selectionStyle_ = UITableViewCellSelectionStyle::standard;
   bool isSelected_ = false;
   bool isHighlighted_ = false;
-  bool isKeyboardRow_ = false;
+  // Made when it is first shown.
+  std::shared_ptr<UIView> ring_;
   // How much of the selection's colour shows.
   double tint_ = 0;
   std::shared_ptr<const void> fade_;

@@ -5,18 +5,23 @@
 
 namespace kestrova {
 
-// A card with a round grey edge.
+// A card with round corners and a border: grey, or blue and wider while the card is chosen.
 class DocumentCardCollView : public UIView {
  public:
-  // Of a card that is not chosen.
-  static UIColor borderGrey() { return UIColor::white(0.87, 1); }
-
-  // Points; a storyboard may set both.
+  // Points, of a card that is not chosen; a storyboard may set both.
   double cornerRadius = 4;
   float borderWidth = 1.5F;
 
   void bind(UIBindings& bindings) override;
   void layoutSubviews() override;
+
+  // Takes effect at once and outlives layout passes.
+  void setChosen(bool chosen);
+
+ private:
+  void applyBorder();
+
+  bool isChosen_ = false;
 };
 
 }  // namespace kestrova

@@ -1,7 +1,6 @@
 #include "sdk/flow/DocumentTableViewCell.h"
 
 #include "platform/uikit/UIBindings.h"
-#include "sdk/ui/Extensions.h"
 
 namespace kestrova {
 
@@ -19,11 +18,14 @@ void DocumentTableViewCell::awakeFromNib() {
 void DocumentTableViewCell::setSelected(bool selected, bool animated) {
   UITableViewCell::setSelected(selected, animated);
   if (const auto mark = selectionCheckmark.lock()) mark->setHidden(!selected);
+  if (const auto card = cardView.lock()) card->setChosen(selected);
+}
+
+// Inside the card's border, which fills the width of the table.
+CGRect DocumentTableViewCell::focusRect() const {
+  constexpr double kInset = 5;
   const auto card = cardView.lock();
-  if (!card) return;
-  card->layer().setBorderColor(selected ? UIColorExtensions::kestrovaBlue()
-                                        : DocumentCardCollView::borderGrey());
-  card->layer().setBorderWidth(selected ? 3 : 1.5);
+  return card ? card->frame().insetBy(kInset, kInset) : UITableViewCell::focusRect();
 }
 
 }  // namespace kestrova

@@ -21,6 +21,7 @@ class DocumentTableViewCell : public UITableViewCell {
   void bind(UIBindings& bindings) override;
   void awakeFromNib() override;
   void setSelected(bool selected, bool animated) override;
+  CGRect focusRect() const override;
 };
 
 }  // namespace kestrova

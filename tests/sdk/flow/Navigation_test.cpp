@@ -415,7 +415,18 @@ TEST_F(Flow, HandsTheChosenDocumentOnWithoutWaiting) {
   EXPECT_EQ(card(1)->documentName.lock()->text(), "Driving License");
   EXPECT_TRUE(card(0)->selectionCheckmark.lock()->isHidden());
   EXPECT_EQ(card(0)->cardView.lock()->layer().borderWidth(), 1.5);
+  // The mark outlives a layout pass.
+  host().resize(430, 700);
+  finishMotion();
   EXPECT_EQ(card(1)->cardView.lock()->layer().borderColor(), UIColorExtensions::kestrovaBlue());
+  EXPECT_EQ(card(1)->cardView.lock()->layer().borderWidth(), 3);
+  // The row that keys act on has a ring over its card.
+  navigation()->view()->window()->widget()->setFocus();
+  while (!table->isFocused()) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  settle();
+  const QImage chosen = picture(*card(1));
+  EXPECT_EQ(chosen.pixelColor(100, 6), QColor(0, 87, 255));
+  EXPECT_EQ(chosen.pixelColor(100, 4), QColor(Qt::white)) << "apart from the border";
 
   play("stall:once");
   click(*screen->nextButton.lock());
