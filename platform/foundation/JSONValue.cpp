@@ -7,11 +7,12 @@ namespace kestrova::platform {
 
 namespace {
 
-template <typename Number>
-std::string numberText(Number value) {
-  std::array<char, 32> buffer;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-  return {buffer.data(), end};
+template <typename Real>
+std::string realText(Real value) {
+  // At most a sign, "0.", 324 zeros and 17 digits.
+  std::array<char, 350> buffer;
+  char* const end = buffer.data() + buffer.size();
+  return {buffer.data(), std::to_chars(buffer.data(), end, value, std::chars_format::fixed).ptr};
 }
 
 void appendEscaped(std::string& out, unsigned codePoint) {
@@ -126,11 +127,15 @@ std::string quoted(std::string_view text) {
 }
 
 std::string decimalText(double value) {
-  return numberText(value);
+  return realText(value);
+}
+
+std::string decimalText(float value) {
+  return realText(value);
 }
 
 std::string decimalText(std::int64_t value) {
-  return numberText(value);
+  return std::to_string(value);
 }
 
 }  // namespace kestrova::platform

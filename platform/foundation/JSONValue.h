@@ -58,8 +58,10 @@ std::string description(const JSONValue& value);
 std::string description(const JSONDictionary& dictionary);
 // A text as log lines show it, quoted and escaped.
 std::string quoted(std::string_view text);
-// A number as decimal text, the shortest that reads back as the same value; in no locale.
+// A number as decimal text, the shortest that reads back as the same value; never in scientific
+// notation, and the same in every locale.
 std::string decimalText(double value);
+std::string decimalText(float value);
 std::string decimalText(std::int64_t value);
 
 }  // namespace kestrova::platform

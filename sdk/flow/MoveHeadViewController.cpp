@@ -40,7 +40,7 @@ std::string raw(Enumeration value) {
 
 std::string lineOf(const ZoomVerificationResult& result,
                    const ZoomVerificationResult::FaceMetrics& metrics, std::int64_t liveScore) {
-  const auto number = [](float value) { return std::to_string(value); };
+  const auto number = [](float value) { return decimalText(value); };
   return "sessionID: " + result.sessionId + " zoomFacemap: " +
          describe(metrics.zoomFacemap,
                   [](const auto& bytes) { return count(bytes.size(), "bytes"); }) +

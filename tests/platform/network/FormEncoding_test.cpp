@@ -30,8 +30,9 @@ TEST(FormEncoding, WritesPairsInTheOrderOfTheirKeys) {
 }
 
 TEST(FormEncoding, WritesEveryTypeOfValue) {
-  EXPECT_EQ(formEncoded({{"b", true}, {"c", false}, {"d", 0.99}, {"e", -5}, {"f", nullptr}}),
-            "b=1&c=0&d=0.99&e=-5&f=%3Cnull%3E");
+  EXPECT_EQ(
+      formEncoded({{"b", true}, {"c", false}, {"d", 1e-4}, {"e", -5}, {"f", nullptr}, {"g", 1e5}}),
+      "b=1&c=0&d=0.0001&e=-5&f=%3Cnull%3E&g=100000");
 }
 
 TEST(FormEncoding, NestsArraysAndDictionariesInBrackets) {

@@ -112,6 +112,14 @@ TEST_F(Selfie, SendsTheLivenessResultAndNotTheScore) {
     settle();
   }
   expectNoDeviation();
+  // The score is logged alone, as decimal text.
+  ZoomVerificationResult result;
+  result.faceMetrics.emplace().devicePartialLivenessScore = 0.00001F;
+  screen->onZoomVerificationResult(result);
+  EXPECT_TRUE(watchUntil([&] {
+    return output.text().find(" devicePartialLivenessScore: Optional(0.00001) ") !=
+           std::string::npos;
+  }));
 }
 
 TEST_F(Selfie, StaysWhereTheEngineGivesNoPictures) {
