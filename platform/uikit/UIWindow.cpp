@@ -1,6 +1,8 @@
 #include "platform/uikit/UIWindow.h"
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include <QtCore/QEvent>
 #include <QtCore/QPointer>
@@ -8,6 +10,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
+#include "platform/foundation/NotificationCenter.h"
 #include "platform/uikit/FocusRing.h"
 #include "platform/uikit/TouchDispatcher.h"
 #include "platform/uikit/UIApplication.h"
@@ -49,10 +52,45 @@ class UIWindow::HostWatch : public QObject {
   QPointer<QWidget> host_;
 };
 
+// Reports that the window's widget, or the top-level widget around it, was shown, hidden or
+// minimised.
+class UIWindow::VisibilityWatch : public QObject {
+ public:
+  explicit VisibilityWatch(UIWindow& window) : window_(window) {
+    window.widget()->installEventFilter(this);
+  }
+
+  bool eventFilter(QObject* object, QEvent* event) override {
+    const auto type = event->type();
+    // The host may have moved the widget into another window.
+    if (type == QEvent::Show && object == window_.widget()) {
+      window_.widget()->window()->installEventFilter(this);
+    }
+    if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowStateChange) {
+      window_.visibilityChanged();
+    }
+    return QObject::eventFilter(object, event);
+  }
+
+ private:
+  UIWindow& window_;
+};
+
+void UIWindow::visibilityChanged() {
+  const bool isSeen = widget() && widget()->isVisible() && !widget()->window()->isMinimized();
+  if (std::exchange(isSeen_, isSeen) == isSeen) return;
+  NotificationCenter::defaultCenter().post(
+      {std::string(isSeen ? UIWindowDidBecomeVisibleNotification
+                          : UIWindowDidBecomeHiddenNotification),
+       this,
+       {}});
+}
+
 UIWindow::UIWindow(Kind kind) : kind_(kind), touches_(std::make_unique<TouchDispatcher>(*this)) {
   UIApplication::exists();
   // Whatever a host's language is: the screens are drawn that way.
   widget()->setLayoutDirection(Qt::LeftToRight);
+  visibilityWatch_ = std::make_unique<VisibilityWatch>(*this);
 }
 
 UIWindow::~UIWindow() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "platform/uikit/UIView.h"
 
@@ -9,6 +10,13 @@ namespace kestrova::platform {
 class FocusRing;
 class TouchDispatcher;
 class UIViewController;
+
+// Posted to the default notification centre, with the UIWindow as object, when the window stops or
+// starts being visible: it or the host's window is hidden, closed, minimised, or shown again.
+inline constexpr std::string_view UIWindowDidBecomeHiddenNotification =
+    "UIWindowDidBecomeHiddenNotification";
+inline constexpr std::string_view UIWindowDidBecomeVisibleNotification =
+    "UIWindowDidBecomeVisibleNotification";
 
 // The top of a tree of views: where touches, keys and focus come in. Main thread.
 class UIWindow : public UIView {
@@ -61,12 +69,16 @@ class UIWindow : public UIView {
 
  private:
   class HostWatch;
+  class VisibilityWatch;
 
+  void visibilityChanged();
   void widgetLost() override;
 
   Kind kind_;
   std::unique_ptr<TouchDispatcher> touches_;
   std::unique_ptr<HostWatch> watch_;
+  std::unique_ptr<VisibilityWatch> visibilityWatch_;
+  bool isSeen_ = false;
   std::unique_ptr<FocusRing> focusRing_;
   std::shared_ptr<UIViewController> root_;
   std::weak_ptr<UIViewController> presentedForHost_;

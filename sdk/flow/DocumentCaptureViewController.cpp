@@ -11,13 +11,12 @@
 namespace kestrova {
 
 void DocumentCaptureViewController::bind(UIBindings& bindings) {
+  CaptureViewController::bind(bindings);
   bindings.outlet("IDGIFCointainer", IDGIFCointainer);
-  bindings.outlet("loadingView", loadingView);
-  bindings.outlet("spinner", spinner);
 }
 
 void DocumentCaptureViewController::viewDidLoad() {
-  UIViewController::viewDidLoad();
+  CaptureViewController::viewDidLoad();
   addOberserver();
 }
 
@@ -27,7 +26,7 @@ void DocumentCaptureViewController::viewWillAppear(bool animated) {
 }
 
 void DocumentCaptureViewController::viewWillDisappear(bool animated) {
-  UIViewController::viewWillDisappear(animated);
+  CaptureViewController::viewWillDisappear(animated);
   if (const auto container = IDGIFCointainer.lock()) removeSubviews(*container);
 }
 
@@ -72,8 +71,10 @@ void DocumentCaptureViewController::imagePickerControllerDidFinishPickingMediaWi
   }
 }
 
-void DocumentCaptureViewController::showLoading(bool shows) {
-  if (const auto overlay = loadingView.lock()) overlay->setHidden(!shows);
+void DocumentCaptureViewController::closeCamera() {
+  if (presentedViewController() != mediaUI || mediaUI->isBeingDismissed()) return;
+  mediaUI->dismiss(false);
+  mediaUI->setCameraOverlayView(nullptr);
 }
 
 std::optional<DocumentCaptureViewController::Keys> DocumentCaptureViewController::keysOrError(

@@ -8,21 +8,17 @@
 
 #include "platform/capture/UIImagePickerController.h"
 #include "platform/uikit/UINavigationController.h"
-#include "sdk/Platform.h"
+#include "sdk/flow/CaptureViewController.h"
 
 namespace kestrova {
 
-class SpinnerView;
-
 // What photographing the two sides of a document has in common: the instructions, the camera, the
 // stored picture and its way to the backend. Main thread.
-class DocumentCaptureViewController : public UIViewController,
+class DocumentCaptureViewController : public CaptureViewController,
                                       public UIImagePickerControllerDelegate,
                                       public UINavigationControllerDelegate {
  public:
   std::weak_ptr<UIView> IDGIFCointainer;
-  std::weak_ptr<UIView> loadingView;
-  std::weak_ptr<SpinnerView> spinner;
   // Used for every photograph of this screen.
   std::shared_ptr<UIImagePickerController> mediaUI = std::make_shared<UIImagePickerController>();
 
@@ -54,7 +50,7 @@ class DocumentCaptureViewController : public UIViewController,
   std::optional<Keys> keysOrError(std::string_view segue);
 
  private:
-  void showLoading(bool shows);
+  void closeCamera() override;
 
   // The photograph is not kept: nothing is sent, and the user may try again.
   bool hasFailed_ = false;

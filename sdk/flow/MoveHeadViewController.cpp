@@ -60,14 +60,13 @@ std::string lineOf(const ZoomVerificationResult& result,
 }  // namespace
 
 void MoveHeadViewController::bind(UIBindings& bindings) {
+  CaptureViewController::bind(bindings);
   bindings.outlet("headGIFContainer", headGIFContainer);
-  bindings.outlet("loadingView", loadingView);
-  bindings.outlet("spinner", spinner);
   bindings.action("recordSelfieVideo:", shared(this), &MoveHeadViewController::recordSelfieVideo);
 }
 
 void MoveHeadViewController::viewDidLoad() {
-  UIViewController::viewDidLoad();
+  CaptureViewController::viewDidLoad();
   Zoom::sdk().preload();
   Zoom::sdk().setFacemapEncryptionKey(publicKey);
 }
@@ -82,22 +81,24 @@ void MoveHeadViewController::playHeadGIF() {
 }
 
 void MoveHeadViewController::viewWillDisappear(bool animated) {
-  UIViewController::viewWillDisappear(animated);
+  CaptureViewController::viewWillDisappear(animated);
   if (const auto container = headGIFContainer.lock()) removeSubviews(*container);
 }
 
 void MoveHeadViewController::recordSelfieVideo(const std::shared_ptr<UIControl>&) {
+  const auto attempt = beginAttempt();
   AVCaptureDevice::requestAccess(AVMediaTypeVideo,
-                                 [weak = std::weak_ptr(shared(this))](bool granted) {
-                                   DispatchQueue::main().async([weak, granted] {
-                                     if (const auto alive = weak.lock())
+                                 [weak = std::weak_ptr(shared(this)), attempt](bool granted) {
+                                   DispatchQueue::main().async([weak, attempt, granted] {
+                                     const auto alive = weak.lock();
+                                     if (alive && alive->isCurrent(attempt)) {
                                        alive->accessAnswered(granted);
+                                     }
                                    });
                                  });
 }
 
 void MoveHeadViewController::accessAnswered(bool granted) {
-  if (!isAppearing()) return;
   if (!granted) {
     const auto alert = std::make_shared<UIAlertController>(
         "Alert", "We need access to your camera to verify your identity.");
@@ -111,26 +112,30 @@ void MoveHeadViewController::accessAnswered(bool granted) {
     return;
   }
   Zoom::sdk().initialize(MY_ZOOM_DEVELOPER_APP_TOKEN,
-                         [weak = std::weak_ptr(shared(this))](bool success) {
-                           DispatchQueue::main().async([weak, success] {
-                             if (const auto alive = weak.lock()) alive->engineAnswered(success);
+                         [weak = std::weak_ptr(shared(this)), attempt = attempt()](bool success) {
+                           DispatchQueue::main().async([weak, attempt, success] {
+                             if (!success) print("Zoom failed to initialize");
+                             const auto alive = weak.lock();
+                             if (alive && alive->isCurrent(attempt)) alive->engineAnswered(success);
                            });
                          });
 }
 
 void MoveHeadViewController::engineAnswered(bool success) {
-  if (!success) {
-    print("Zoom failed to initialize");
-    return;
-  }
-  if (!isAppearing()) return;
+  if (!success) return;
   constexpr ZoomSDKStatus kReady{1};
   if (Zoom::sdk().getStatus() != kReady) return;
   setZoomCustomizationBasedOnDevice();
   Zoom::sdk().auditTrailType = 1;
   const auto screen = Zoom::sdk().createVerificationVC(shared(this));
   screen->modalPresentationStyle = UIModalPresentationStyle::overCurrentContext;
+  engineScreen_ = screen;
   present(screen, true);
+}
+
+void MoveHeadViewController::closeCamera() {
+  const auto screen = engineScreen_.lock();
+  if (screen && presentedViewController() == screen) screen->dismiss(false);
 }
 
 void MoveHeadViewController::setZoomCustomizationBasedOnDevice() {
@@ -177,20 +182,23 @@ void MoveHeadViewController::makeMovie(const ZoomVerificationResult& result) {
           ? static_cast<std::int64_t>(*metrics.devicePartialLivenessResult)
           : 0;
   print(lineOf(result, metrics, liveScore));
-  if (!metrics.auditTrail || metrics.auditTrail->empty() || !isAppearing()) return;
+  if (!metrics.auditTrail || metrics.auditTrail->empty() || !isAppearing() || wasHidden()) return;
   const auto first = metrics.auditTrail->front().cgImage();
   if (!first) return;
   const auto movie = std::make_shared<CXEImagesToVideo>(
       CXEImagesToVideo::videoSettings(AVVideoCodecH264, static_cast<int>(first.value()->width()),
                                       static_cast<int>(first.value()->height())));
-  movie->createMovieFrom(*metrics.auditTrail, [weak = std::weak_ptr(shared(this)),
-                                               liveScore](const std::filesystem::path& url) {
-    const auto alive = weak.lock();
-    // The user has left the screen: the selfie is not sent.
-    if (!alive || !alive->isAppearing()) return;
-    if (const auto overlay = alive->loadingView.lock()) overlay->setHidden(false);
-    alive->uploadVideoAndLivenessScore(url, static_cast<double>(liveScore));
-  });
+  movie->createMovieFrom(*metrics.auditTrail,
+                         [weak = std::weak_ptr(shared(this)), liveScore,
+                          attempt = attempt()](const std::filesystem::path& url) {
+                           const auto alive = weak.lock();
+                           // The user has left the screen or hidden the window: the selfie is not
+                           // sent.
+                           if (!alive || !alive->isCurrent(attempt)) return;
+                           if (const auto overlay = alive->loadingView.lock())
+                             overlay->setHidden(false);
+                           alive->uploadVideoAndLivenessScore(url, static_cast<double>(liveScore));
+                         });
 }
 
 void MoveHeadViewController::uploadVideoAndLivenessScore(const std::filesystem::path& url,

@@ -6,20 +6,15 @@
 #include <string>
 
 #include "platform/liveness/ZoomVerificationDelegate.h"
-#include "platform/uikit/UIViewController.h"
-#include "sdk/Platform.h"
+#include "sdk/flow/CaptureViewController.h"
 
 namespace kestrova {
 
-class SpinnerView;
-
 // Where the selfie video is taken: the liveness engine's screen, the movie of its pictures, and
 // their way to the backend.
-class MoveHeadViewController : public UIViewController, public ZoomVerificationDelegate {
+class MoveHeadViewController : public CaptureViewController, public ZoomVerificationDelegate {
  public:
   std::weak_ptr<UIView> headGIFContainer;
-  std::weak_ptr<UIView> loadingView;
-  std::weak_ptr<SpinnerView> spinner;
   // What the engine's vendor issues to an integrator.
   const std::string MY_ZOOM_DEVELOPER_APP_TOKEN = "Qx7RmT2vLk9PwZ4nHc8JsYd3BfG6aNeU";
   // With which the engine encrypts its facemap. Made for development; nobody has the other half.
@@ -50,9 +45,12 @@ class MoveHeadViewController : public UIViewController, public ZoomVerificationD
   static void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
 
  private:
+  void closeCamera() override;
   void accessAnswered(bool granted);
   void engineAnswered(bool success);
   void makeMovie(const ZoomVerificationResult& result);
+
+  std::weak_ptr<UIViewController> engineScreen_;
 };
 
 }  // namespace kestrova

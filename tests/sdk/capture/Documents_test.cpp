@@ -224,6 +224,22 @@ TEST_F(Documents, StayWhereTheBackendDoesNotAnswerAndCanBeLeft) {
   EXPECT_TRUE(watchUntil([&] { return gone.expired(); }));
 }
 
+TEST_F(Documents, ReturnToTheirInstructionsWhenTheWindowIsHidden) {
+  const auto screen = openFront("PASSPORT");
+  openPicker(*screen);
+  tap(*screen->mediaUI, "Take photo");
+  ASSERT_TRUE(watchUntil([&] { return shows("Use photo"); }));
+  tap(*screen->mediaUI, "Retake");
+  ASSERT_TRUE(watchUntil([&] { return device->calls().back() == "start"; }));
+  host().hide();
+  EXPECT_TRUE(waitFor([&] { return device->calls().back() == "stop"; }));
+  host().show();
+  settle();
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  photograph(*screen);
+  EXPECT_TRUE(waitForTop<CongratsViewController>());
+}
+
 TEST_F(Documents, StayAsTheyAreWithoutACamera) {
   const auto screen = openFront("PASSPORT");
   CameraConfiguration cameras;

@@ -323,6 +323,43 @@ TEST_F(Selfie, OpensNothingOverTheScreenThatComesAfterIt) {
   }
 }
 
+TEST_F(Selfie, IsGivenUpWhenTheWindowIsHidden) {
+  // While pictures are taken, and while the movie is made.
+  for (const bool isEncoding : {false, true}) {
+    const auto screen = open();
+    const auto sent = countOf("record_face_video");
+    device->picture = test::plain(1280, 960, 0xff204080);
+    if (isEncoding) {
+      const auto runs = resultLines();
+      takeSelfie();
+      ASSERT_TRUE(watchUntil([&] { return resultLines() == runs + 1; }));
+    } else {
+      tap(*screen, "Start");
+      ASSERT_TRUE(watchUntil([&] { return screen->presentedViewController() != nullptr; }));
+      // The engine's own camera, after that of the permission.
+      ASSERT_TRUE(watchUntil([&] { return std::ranges::count(device->calls(), "start") == 2; }));
+      advance(2);
+    }
+    if (isEncoding) {
+      host().setWindowState(Qt::WindowMinimized);
+    } else {
+      host().close();
+    }
+    ASSERT_TRUE(waitFor([&] { return device->calls().back() == "stop"; }));
+    for (int second = 0; second < 6; ++second) advance(1);
+    EXPECT_FALSE(waitFor([&] { return countOf("record_face_video") > sent; }, kMoment));
+    // The instructions are back, and another attempt succeeds.
+    host().setWindowState(Qt::WindowNoState);
+    host().show();
+    EXPECT_EQ(screen->presentedViewController(), nullptr);
+    EXPECT_TRUE(screen->loadingView.lock()->isHidden());
+    takeSelfie();
+    ASSERT_TRUE(waitForTop<ChooseDocumentTypeViewController>());
+    wrapper->dismiss(false);
+    settle();
+  }
+}
+
 TEST_F(Selfie, ShowsTheEnginesScreenAsTheFlowWantsIt) {
   const auto screen = open();
   tap(*screen, "Start");
