@@ -35,6 +35,7 @@ class Reader {
 UIImageOrientation exifOrientation(std::string_view segment) {
   constexpr auto kSignature = "Exif\0\0"sv;
   constexpr std::uint32_t kOrientationTag = 0x0112;
+  constexpr std::uint32_t kLong = 4;
   constexpr std::size_t kEntrySize = 12;
   // Index: the value in the file less 1.
   constexpr std::array kOrientations{UIImageOrientation::up,
@@ -53,7 +54,8 @@ UIImageOrientation exifOrientation(std::string_view segment) {
   for (std::size_t i = 0; i < count; ++i) {
     const auto entry = directory + 2 + i * kEntrySize;
     if (reader.number(entry, 2) != kOrientationTag) continue;
-    const std::size_t value = reader.number(entry + 8, 2);
+    const bool isLong = reader.number(entry + 2, 2) == kLong;
+    const std::size_t value = reader.number(entry + 8, isLong ? 4 : 2);
     return value >= 1 && value <= kOrientations.size() ? kOrientations[value - 1]
                                                        : UIImageOrientation::up;
   }

@@ -39,14 +39,18 @@ class ImageFileTest : public PictureTest {
     EXPECT_LE(greatestDifference(image.value()->pixels(), rgba), tolerance) << name;
   }
 
-  // A JPEG file with an EXIF block that states an orientation.
-  std::string oriented(std::string jpeg, int orientation, bool bigEndian) const {
+  // A JPEG file with an EXIF block that states an orientation in 16 or 32 bits.
+  static std::string oriented(std::string jpeg, int orientation, bool bigEndian, bool isLong) {
+    const auto value = std::string(1, static_cast<char>(orientation));
     auto exif = "\xff\xe1\0\x22"s + "Exif\0\0"s;
-    exif += bigEndian
-                ? "MM\0*\0\0\0\10\0\1\1\x12\0\3\0\0\0\1\0"s + static_cast<char>(orientation)
-                : "II*\0\10\0\0\0\1\0\x12\1\3\0\1\0\0\0"s + static_cast<char>(orientation) + "\0"s;
-    exif += "\0\0\0\0\0\0"s;
-    return jpeg.insert(2, exif);
+    if (bigEndian) {
+      exif += "MM\0*\0\0\0\10\0\1\1\x12\0"s + (isLong ? "\4" : "\3") + "\0\0\0\1"s +
+              (isLong ? "\0\0\0"s + value : "\0"s + value + "\0\0"s);
+    } else {
+      exif +=
+          "II*\0\10\0\0\0\1\0\x12\1"s + (isLong ? "\4" : "\3") + "\0\1\0\0\0"s + value + "\0\0\0"s;
+    }
+    return jpeg.insert(2, exif + "\0\0\0\0"s);
   }
 };
 
@@ -105,16 +109,16 @@ TEST_F(ImageFileTest, turnsPicturesUprightAsTheirFilesSay) {
       "plain.jpg");
   const auto plain = bytes("plain.jpg");
   for (int orientation = 0; orientation <= 9; ++orientation) {
-    for (const bool bigEndian : {true, false}) {
-      SCOPED_TRACE(orientation);
-      const auto file = oriented(plain, orientation, bigEndian);
+    std::ofstream(folder.path() / "turned.jpg") << oriented(plain, orientation, false, false);
+    run("convert turned.jpg -auto-orient -depth 8 rgba:raw");
+    for (const int form : {0, 1, 2, 3}) {
+      SCOPED_TRACE(4 * orientation + form);
+      const auto file = oriented(plain, orientation, form % 2 != 0, form >= 2);
       const auto image = UIImage::make(asData(file));
       ASSERT_TRUE(image);
       const auto size = image.value().size();
       auto context = UIGraphicsImageContext::begin(size, false, 1);
       ASSERT_TRUE(image.value().draw({{}, size}, *context));
-      std::ofstream(folder.path() / "turned.jpg") << file;
-      run("convert turned.jpg -auto-orient -depth 8 rgba:raw");
       EXPECT_EQ(size.width, orientation >= 5 && orientation <= 8 ? 16 : 24);
       const auto drawn = *context->takeImage();
       EXPECT_LE(greatestDifference(drawn.cgImage().value()->pixels(), bytes("raw")), 1);
