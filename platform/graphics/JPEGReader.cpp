@@ -1,9 +1,11 @@
 #include "platform/graphics/JPEGReader.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <csetjmp>
 #include <cstdio>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,6 +35,8 @@ struct Errors {
   jpeg_error_mgr manager{};
   std::jmp_buf jump{};
   bool isDamaged = false;
+  // The library has asked for bytes beyond the end of the file.
+  bool isAtEnd = false;
 };
 
 Errors& errors(j_common_ptr common) {
@@ -43,12 +47,15 @@ Errors& errors(j_common_ptr common) {
   std::longjmp(errors(common).jump, 1);
 }
 
-// Warnings after which the library goes on with pixels that it invents.
+// Warnings after which the library invents pixels. It also reads ahead, so reaching the end of the
+// file alone is no damage yet: JWRN_HIT_MARKER follows when pixels lack their bits.
 void emitMessage(j_common_ptr common, int level) {
   if (level >= 0) return;
   switch (common->err->msg_code) {
-    case JWRN_HIT_MARKER:
     case JWRN_JPEG_EOF:
+      errors(common).isAtEnd = true;
+      break;
+    case JWRN_HIT_MARKER:
     case JWRN_HUFF_BAD_CODE:
     case JWRN_ARITH_BAD_CODE:
     case JWRN_MUST_RESYNC:
@@ -62,6 +69,27 @@ void emitMessage(j_common_ptr common, int level) {
 void monitor(j_common_ptr common) {
   const auto* const info = reinterpret_cast<j_decompress_ptr>(common);
   if (info->input_scan_number > kMaximumScans) errorExit(common);
+}
+
+// The file without zero bytes that stand in for its lost end, as after an interrupted copy: they
+// would decode to pixels. A single one is data, and so is the one that escapes a 0xff.
+std::string_view withoutFiller(std::string_view data) {
+  const auto last = data.find_last_not_of('\0');
+  if (last == data.npos || last + 2 >= data.size()) return data;
+  return data.substr(0, data[last] == '\xff' ? last + 2 : last + 1);
+}
+
+// True if the scans give every bit of every coefficient of every component.
+bool hasAllScans(const jpeg_decompress_struct& info) {
+  for (int i = 0; i < info.num_components; ++i) {
+    // Set by the component's first scan.
+    if (!info.comp_info[i].quant_table) return false;
+    // Only progressive files have these: the lowest bit known, -1 for none.
+    if (!info.coef_bits) continue;
+    const std::span<const int, DCTSIZE2> bits(info.coef_bits[i], DCTSIZE2);
+    if (std::ranges::any_of(bits, [](int bit) { return bit != 0; })) return false;
+  }
+  return true;
 }
 
 std::uint32_t product(unsigned a, unsigned b) {
@@ -91,6 +119,8 @@ struct JPEGReader::State {
       return false;
     }
     step();
+    // Arithmetic coding leaves out zero bytes at the end of its data: a break looks the same.
+    failure.isDamaged |= failure.isAtEnd && (info.arith_code || !hasAllScans(info));
     return true;
   }
 
@@ -132,6 +162,7 @@ JPEGReader::~JPEGReader() = default;
 Result<std::unique_ptr<JPEGReader>> JPEGReader::open(std::string_view data) {
   auto state = std::make_unique<State>();
   auto* const info = &state->info;
+  data = withoutFiller(data);
   const bool isRead = state->run([info, state = state.get(), data] {
     jpeg_create_decompress(info);
     info->progress = &state->progress;

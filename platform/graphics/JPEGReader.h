@@ -11,7 +11,7 @@ namespace kestrova::platform {
 
 // Decodes a JPEG file row by row; of a progressive one the coefficients are held. Grey, YCbCr, RGB,
 // CMYK and YCCK files. Rows come as they are stored, the orientation is the caller's to apply. A
-// file that breaks off is damaged.
+// file that ends before the data of its last row is damaged; a missing end marker alone is not.
 class JPEGReader : public PixelRows {
  public:
   static bool recognises(std::string_view data) { return data.starts_with("\xff\xd8\xff"); }
