@@ -51,6 +51,8 @@ struct CGImageSource::State {
                 const CGImage& under, CGImage& canvas) const;
 
   std::shared_ptr<const Data> data;
+  std::size_t screenWidth = 0;
+  std::size_t screenHeight = 0;
   std::vector<GIFReader::Frame> frames;
 
   // The walk in which images are decoded: the frame to come, and what it is composed over.
@@ -116,13 +118,17 @@ void CGImageSource::State::drawRows(const GIFReader::Frame& frame,
 }
 
 Result<CGImageSource::State::Image> CGImageSource::State::compose(const GIFReader::Frame& frame) {
+  if (!frame.isReadable) {
+    reader->skipColors();
+    return damaged("an image of an unknown code size in a GIF file");
+  }
   indices.resize(frame.width * frame.height);
   GIFReader::Palette palette{};
   if (!reader->readColors(indices) || !reader->palette(palette)) {
     return damaged("a damaged image in a GIF file");
   }
   if (frame.transparentColor) palette.at(*frame.transparentColor) = 0;
-  auto canvas = CGImage::make(reader->screenWidth(), reader->screenHeight());
+  auto canvas = CGImage::make(screenWidth, screenHeight);
   if (!canvas) return damaged("a GIF file without a screen");
   const auto* under = canvas.get();
   if (!base) {
@@ -160,11 +166,14 @@ CGImageSource::~CGImageSource() = default;
 Result<CGImageSource> CGImageSource::make(std::shared_ptr<const Data> data) {
   auto reader = GIFReader::open(data->view());
   if (!reader) return reader.error();
-  const auto screen = reader.value().screenWidth() * reader.value().screenHeight();
   auto state = std::make_unique<State>();
+  state->screenWidth = reader.value().screenWidth();
+  state->screenHeight = reader.value().screenHeight();
   std::size_t pixels = 0;
   while (const auto frame = reader.value().nextFrame()) {
-    pixels += std::max(screen, frame->width * frame->height);
+    if (state->screenWidth == 0) state->screenWidth = frame->left + frame->width;
+    if (state->screenHeight == 0) state->screenHeight = frame->top + frame->height;
+    pixels += std::max(state->screenWidth * state->screenHeight, frame->width * frame->height);
     if (pixels > CGImage::kMaximumPixels) {
       return graphicsError(GraphicsErrorCode::tooLarge, "a GIF file of too many pixels");
     }

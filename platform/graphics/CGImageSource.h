@@ -17,8 +17,8 @@ inline constexpr auto kCGImagePropertyGIFUnclampedDelayTime = "UnclampedDelayTim
 inline constexpr auto kCGImagePropertyGIFDelayTime = "DelayTime";
 
 // The images of a GIF file as they look on its screen: each composed over what its predecessors
-// leave, uncovered pixels transparent. One thread at a time; asking in rising order decodes each
-// image once, a step back begins anew.
+// leave, uncovered pixels transparent. A screen without a size ends with the first image. One
+// thread at a time; asking in rising order decodes each image once, a step back begins anew.
 class CGImageSource {
  public:
   // Walks through the whole file without decoding. Of one that breaks off, the images before the

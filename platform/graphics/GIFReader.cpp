@@ -31,8 +31,10 @@ void apply(const GraphicsControlBlock& block, GIFReader::Frame& frame) {
 
 struct GIFReader::State {
   static int read(GifFileType* gif, GifByteType* to, int size) {
-    auto& rest = static_cast<State*>(gif->UserData)->rest;
+    auto& state = *static_cast<State*>(gif->UserData);
+    auto& rest = state.rest;
     const auto count = std::min(static_cast<std::size_t>(size), rest.size());
+    state.isCutOff = count < static_cast<std::size_t>(size);
     std::copy_n(rest.data(), count, to);
     rest.remove_prefix(count);
     return static_cast<int>(count);
@@ -55,6 +57,8 @@ struct GIFReader::State {
   }
 
   std::string_view rest;
+  // True if the last read asked for more than the file has.
+  bool isCutOff = false;
   std::unique_ptr<GifFileType, Closer> file;
 };
 
@@ -94,7 +98,12 @@ std::optional<GIFReader::Frame> GIFReader::nextFrame() {
       if (!state_->readExtension(frame)) return std::nullopt;
       continue;
     }
-    if (type != IMAGE_DESC_RECORD_TYPE || DGifGetImageHeader(file) != GIF_OK) return std::nullopt;
+    if (type != IMAGE_DESC_RECORD_TYPE) return std::nullopt;
+    if (DGifGetImageHeader(file) != GIF_OK) {
+      // If the header is all there, the library refuses the code size at its end.
+      if (state_->isCutOff) return std::nullopt;
+      frame.isReadable = false;
+    }
     const auto& image = file->Image;
     frame.left = static_cast<std::size_t>(image.Left);
     frame.top = static_cast<std::size_t>(image.Top);

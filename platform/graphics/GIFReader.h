@@ -24,6 +24,8 @@ class GIFReader {
     std::size_t width = 0;
     std::size_t height = 0;
     bool isInterlaced = false;
+    // False for a code size that the format does not have; such a frame can only be skipped.
+    bool isReadable = true;
     // Of the graphic control block, if there is one.
     Disposal disposal = Disposal::leave;
     std::optional<unsigned> transparentColor;
@@ -41,6 +43,7 @@ class GIFReader {
   GIFReader& operator=(const GIFReader&) = delete;
   ~GIFReader();
 
+  // 0 where the file states none.
   std::size_t screenWidth() const;
   std::size_t screenHeight() const;
 
@@ -49,7 +52,8 @@ class GIFReader {
   // The colours of the current frame; false where it has none.
   bool palette(Palette& palette) const;
   // Decodes the colours of the current frame, row after row as they are stored, width times height
-  // of them; false where they are damaged. Goes on behind the frame either way.
+  // of them; false where they are damaged. Goes on behind the frame either way. The frame must be
+  // readable.
   bool readColors(std::span<std::uint8_t> indices);
   // Goes on behind the frame; false where the file breaks off.
   bool skipColors();

@@ -137,6 +137,45 @@ TEST_F(GIFTest, leavesOutADamagedImageAndGoesOn) {
   EXPECT_EQ(source.value().imageAtIndex(2).value()->pixels()[3], 0U);
 }
 
+TEST_F(GIFTest, LosesOnlyTheFrameWithAnImpossibleCodeSize) {
+  for (const char codeSize : {'\x9', '\xc', '\xff'}) {
+    auto damaged = green;
+    damaged[10] = codeSize;
+    auto source = sourceOf(file(red + damaged + green));
+    ASSERT_EQ(source.value().count(), 3U);
+    EXPECT_EQ(source.value().imageAtIndex(0).value()->pixels()[0], redPixel);
+    EXPECT_FALSE(source.value().imageAtIndex(1));
+    EXPECT_EQ(source.value().imageAtIndex(2).value()->pixels()[0], greenPixel);
+  }
+}
+
+TEST_F(GIFTest, LosesOnlyTheLastFrameIfItHasNoTerminator) {
+  auto unended = green;
+  unended.pop_back();
+  for (const auto* const end : {"", ";"}) {
+    auto source = sourceOf("GIF89a\2\0\2\0\x80\0\0\xff\0\0\0\xff\0"s + red + unended + end);
+    ASSERT_EQ(source.value().count(), 1U);
+    EXPECT_EQ(source.value().imageAtIndex(0).value()->pixels()[0], redPixel);
+  }
+}
+
+TEST_F(GIFTest, TakesTheFirstFrameForAScreenWithoutSize) {
+  for (const int height : {0, 2}) {
+    auto sizeless = file(red + green);
+    sizeless[6] = 0;
+    sizeless[8] = static_cast<char>(height);
+    sizeless[20] = 1;  // The first frame starts one pixel from the left.
+    auto source = sourceOf(sizeless);
+    ASSERT_EQ(source.value().count(), 2U);
+    const auto image = source.value().imageAtIndex(1);
+    ASSERT_TRUE(image) << image.error().localizedDescription;
+    EXPECT_EQ(image.value()->width(), 2U);
+    EXPECT_EQ(image.value()->height(), height == 0 ? 1U : 2U);
+    EXPECT_EQ(image.value()->pixels()[0], greenPixel);
+    EXPECT_EQ(image.value()->pixels()[1], redPixel);
+  }
+}
+
 TEST_F(GIFTest, findsTheNextImageAfterOneOfAnyLength) {
   // Row 0 of an image of two, then the end of its data, with the end of codes before it or without;
   // and images of no height and no width.
