@@ -18,13 +18,14 @@ std::size_t side(const AVVideoSettings& settings, const char* key) {
 
 }  // namespace
 
-AVVideoSettings CXEImagesToVideo::videoSettings(std::string_view codec, int width, int height) {
+AVVideoSettings CXEImagesToVideo::videoSettings(std::string_view /*codec*/, int width, int height) {
   constexpr int kMacroblock = 16;
   if (width % kMacroblock != 0) {
     print("warning: video settings width must be divisible by 16");
   }
-  return {
-      {AVVideoCodecKey, std::string(codec)}, {AVVideoWidthKey, width}, {AVVideoHeightKey, height}};
+  return {{AVVideoCodecKey, std::string(AVVideoCodecH264)},
+          {AVVideoWidthKey, width},
+          {AVVideoHeightKey, height}};
 }
 
 CXEImagesToVideo::CXEImagesToVideo(AVVideoSettings settings) {
@@ -91,11 +92,13 @@ void CXEImagesToVideo::createMovieFrom(const std::vector<UIImage>& images,
 void CXEImagesToVideo::createMovieFromSource(std::vector<std::any> images,
                                              CXEMovieMakerUIImageExtractor extractor,
                                              CXEMovieMakerCompletion withCompletion) {
-  completionBlock = std::move(withCompletion);
-  if (failure_.empty() && !assetWriter->startWriting()) {
-    failure_ = "Kestrova: no movie is made: the writer does not start";
+  if (std::exchange(isStarted_, true)) {
+    print("Kestrova: no movie is made: one object makes one movie");
+    return;
   }
+  completionBlock = std::move(withCompletion);
   if (!failure_.empty()) return stop();
+  assetWriter->startWriting();
   assetWriter->startSession(kCMTimeZero);
   AVAssetWriterInput::requestMediaDataWhenReady(
       DispatchQueue("mediaInputQueue"),
@@ -111,36 +114,36 @@ void CXEImagesToVideo::write(const std::vector<std::any>& images,
     if (!failure_.empty()) return stop();
     if (!image) {
       print("Warning: counld not extract one of the frames");
-    } else if (!append(*image, i)) {
-      return stop();
+      continue;
     }
+    append(*image, i);
+    if (!failure_.empty()) return stop();
   }
   writeInput->markAsFinished();
   assetWriter->finishWriting([self = shared_from_this()] {
     if (const auto error = self->assetWriter->error()) {
       print("Kestrova: the movie is not whole: " + error->localizedDescription);
     }
-    const bool isTold =
-        DispatchQueue::main().sync([&self] { self->completionBlock(*self->fileURL); });
+    const bool isTold = DispatchQueue::main().sync([&self] {
+      self->stopHandler = nullptr;
+      std::exchange(self->completionBlock, nullptr)(*self->fileURL);
+    });
     if (!isTold) print("Kestrova: the application has ended before its movie");
   });
 }
 
-bool CXEImagesToVideo::append(const UIImage& image, std::size_t i) {
+void CXEImagesToVideo::append(const UIImage& image, std::size_t i) {
   const auto bitmap = image.cgImage();
   if (!bitmap) {
     failure_ = "Kestrova: no movie is made: " + bitmap.error().localizedDescription;
-    return false;
+    return;
   }
   const auto buffer = newPixelBufferFrom(bitmap.value());
-  if (!buffer) return false;
+  if (!buffer) return;
   const auto before = static_cast<std::int64_t>(i) - 1;
   const CMTime time = i == 0 ? kCMTimeZero : CMTime{before, frameTime->timescale} + *frameTime;
-  if (bufferAdapter->append(*buffer, time)) return true;
-  const auto error = assetWriter->error();
-  failure_ = "Kestrova: no movie is made: " +
-             (error ? error->localizedDescription : std::string("a frame is refused"));
-  return false;
+  // A frame that cannot be written fails the writer, which is told when it finishes.
+  static_cast<void>(bufferAdapter->append(*buffer, time));
 }
 
 std::shared_ptr<CVPixelBuffer> CXEImagesToVideo::newPixelBufferFrom(
@@ -176,10 +179,16 @@ std::shared_ptr<CVPixelBuffer> CXEImagesToVideo::newPixelBufferFrom(
 
 void CXEImagesToVideo::stop() {
   print(failure_);
+  const bool isWriting = assetWriter && assetWriter->status() != AVAssetWriterStatus::unknown;
   // Closes the file.
   assetWriter.reset();
   std::error_code ignored;
-  if (fileURL) std::filesystem::remove(*fileURL, ignored);
+  if (isWriting) std::filesystem::remove(*fileURL, ignored);
+  // Ends what the handlers hold on the main thread.
+  DispatchQueue::main().async([completion = std::exchange(completionBlock, nullptr),
+                               stopped = std::exchange(stopHandler, nullptr)] {
+    if (stopped) stopped();
+  });
 }
 
 }  // namespace kestrova

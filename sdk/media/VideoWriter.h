@@ -15,11 +15,12 @@
 
 namespace kestrova {
 
-// Makes one movie of still pictures, five a second, in the documents directory; every instance
-// writes to the same file and removes an earlier one's as it is made. Made by std::make_shared,
-// which a run needs; construction and the start of a run are the caller's thread, the run is a
-// queue's, the completion the main queue's. A run that cannot go on writes one line, removes what
-// it has written, and never completes.
+// Makes one movie of still pictures, five a second, in the documents directory. Every instance
+// writes to the same file and removes an earlier one's when it is constructed. Create it with
+// std::make_shared. The run works on a queue of its own; its completion comes on the main queue,
+// also when a frame could not be written or the disk was full: isMovieWhole() says which. A run
+// without a writer or with a picture that cannot be drawn stops instead: it logs one line, removes
+// its file and calls `stopHandler`.
 class CXEImagesToVideo : public std::enable_shared_from_this<CXEImagesToVideo> {
  public:
   using CXEMovieMakerCompletion = std::function<void(const std::filesystem::path& url)>;
@@ -34,9 +35,13 @@ class CXEImagesToVideo : public std::enable_shared_from_this<CXEImagesToVideo> {
   // The duration of a frame.
   std::optional<CMTime> frameTime;
   std::optional<std::filesystem::path> fileURL;
+  // Called once, and empty afterwards, as is `stopHandler`: either may hold this object.
   CXEMovieMakerCompletion completionBlock;
+  // Called on the main queue if the run stops without its completion.
+  std::function<void()> stopHandler;
 
-  // The settings for a size in pixels; one line where the width is no multiple of 16.
+  // The settings for a size in pixels, always in H.264; logs a line if the width is not a multiple
+  // of 16.
   static AVVideoSettings videoSettings(std::string_view codec, int width, int height);
 
   explicit CXEImagesToVideo(AVVideoSettings settings);
@@ -44,7 +49,13 @@ class CXEImagesToVideo : public std::enable_shared_from_this<CXEImagesToVideo> {
   CXEImagesToVideo(const CXEImagesToVideo&) = delete;
   CXEImagesToVideo& operator=(const CXEImagesToVideo&) = delete;
 
-  // Start the one run of this instance and return at once.
+  // For the completion: true if the movie was written to its end without an error.
+  bool isMovieWhole() const {
+    return assetWriter && assetWriter->status() == AVAssetWriterStatus::completed;
+  }
+
+  // Start the one run of this instance and return at once. A second run logs a line and changes
+  // nothing.
   virtual void createMovieFrom(const std::vector<std::filesystem::path>& urls,
                                CXEMovieMakerCompletion withCompletion);
   virtual void createMovieFrom(const std::vector<UIImage>& images,
@@ -59,10 +70,11 @@ class CXEImagesToVideo : public std::enable_shared_from_this<CXEImagesToVideo> {
 
  private:
   void write(const std::vector<std::any>& images, const CXEMovieMakerUIImageExtractor& extractor);
-  bool append(const UIImage& image, std::size_t i);
+  void append(const UIImage& image, std::size_t i);
   void stop();
 
-  // Why the run cannot go on; empty while it can.
+  bool isStarted_ = false;
+  // The reason why the run cannot go on; empty while it can.
   std::string failure_;
 };
 

@@ -128,6 +128,38 @@ TEST_F(VideoWriterTest, CutsAPictureAtTheUpperRightAndKeepsOddSizes) {
   EXPECT_GT(blue(55), 215);
 }
 
+TEST_F(VideoWriterTest, CompletesWhereverTheDiskIsFullAndSaysThatTheMovieIsNotWhole) {
+  // Noise, so that the encoder's frames are large.
+  std::vector<std::filesystem::path> urls;
+  for (const std::string name : {"a.png", "b.png", "c.png"}) {
+    run("convert -size 320x240 xc: +noise Random " + name);
+    urls.push_back(folder.path() / name);
+  }
+  const auto whole = make(writer(320, 240), urls);
+  ASSERT_TRUE(whole);
+  const auto size = std::filesystem::file_size(*whole);
+  for (const rlim_t room : {size / 6, size / 2, size - 1}) {
+    const auto cut = writer(320, 240);
+    const FileSizeLimit full(room);
+    EXPECT_TRUE(make(cut, urls)) << room;
+    EXPECT_FALSE(cut->isMovieWhole()) << room;
+    EXPECT_TRUE(output.lines().back().starts_with("Kestrova: the movie is not whole: ")) << room;
+  }
+}
+
+TEST_F(VideoWriterTest, MakesOneMovieAndLeavesItAlone) {
+  const auto made =
+      std::make_shared<CXEImagesToVideo>(CXEImagesToVideo::videoSettings("hvc1", 64, 48));
+  EXPECT_EQ(std::any_cast<std::string>((*made->videoSettings_)[AVVideoCodecKey]), AVVideoCodecH264);
+  const std::vector<UIImage> images{plain(64, 48, 0xffff0000)};
+  const auto file = make(made, images);
+  ASSERT_TRUE(file);
+  EXPECT_TRUE(made->isMovieWhole());
+  EXPECT_FALSE(make(made, std::vector<UIImage>{}));
+  EXPECT_EQ(output.lines().back(), "Kestrova: no movie is made: one object makes one movie");
+  EXPECT_EQ(frames(*file), lines({"0.000000,64,48"}));
+}
+
 TEST_F(VideoWriterTest, HasNoTraceOfTheMachine) {
   const auto file = make(writer(64, 48), std::vector<UIImage>{plain(64, 48, 0xff808080)});
   ASSERT_TRUE(file);
@@ -147,27 +179,19 @@ TEST_F(VideoWriterTest, HasNoTraceOfTheMachine) {
 }
 
 TEST_F(VideoWriterTest, EndsWithOneLineAndNoFileWhereItCannotGoOn) {
-  const auto at = folder.path() / "nowhere.png";
-  EXPECT_FALSE(make(writer(64, 48), std::vector<std::filesystem::path>{at}));
+  run("convert -size 64x48 xc:red a.png");
+  const auto stopping = writer(64, 48);
+  const auto file = *stopping->fileURL;
+  bool isStopped = false;
+  stopping->stopHandler = [&] { isStopped = true; };
+  EXPECT_FALSE(make(stopping, std::vector<std::filesystem::path>{folder.path() / "a.png",
+                                                                 folder.path() / "nowhere.png"}));
   EXPECT_NE(output.lines().back().find("nowhere.png"), std::string::npos);
-  // Too small for the encoder.
-  const auto small = writer(8, 8);
-  const auto file = *small->fileURL;
-  EXPECT_FALSE(make(small, std::vector<UIImage>{plain(8, 8, 0xffffffff)}));
-  EXPECT_TRUE(output.lines().back().starts_with("Kestrova: no movie is made: "));
+  EXPECT_TRUE(RunLoop::runUntil([&] { return isStopped; },
+                                DispatchClock::now() + std::chrono::seconds(30)));
+  EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_FALSE(make(writer(0, 48), std::vector<UIImage>{}));
   EXPECT_EQ(output.lines().back(), "add failed");
-  EXPECT_FALSE(std::filesystem::exists(file));
-
-  // A disk that is full when the movie is ended: whoever waits for it is called all the same.
-  const auto cut = writer(320, 240);
-  {
-    const FileSizeLimit full(1000);
-    EXPECT_TRUE(make(cut, std::vector<UIImage>{plain(320, 240, 0xff204080)}));
-  }
-  EXPECT_TRUE(output.lines().back().starts_with("Kestrova: the movie is not whole: "));
-  std::filesystem::remove(file);
-
   // A folder where the movie is to be, which cannot be removed.
   std::filesystem::create_directories(file / "inside");
   const auto stopped = writer(64, 48);
