@@ -31,12 +31,14 @@ class ScrollIndicator::Bar : public QWidget {
     hide();
   }
 
-  void appear(const QRect& place) {
+  void appear(const QRect& place, bool stays) {
     opacity_ = 1;
+    fade_.reset();
     setGeometry(place);
     show();
     raise();
     update();
+    if (stays) return;
     auto& clock = AnimationClock::shared();
     const double start = clock.now() + kRest;
     fade_ = clock.run(start, [this, start](double now) -> std::optional<double> {
@@ -84,12 +86,17 @@ ScrollIndicator::~ScrollIndicator() {
   delete owned_->bar;
 }
 
-void ScrollIndicator::show(const CGRect& track, double above, double shown) {
+void ScrollIndicator::hide() {
+  if (owned_->bar) owned_->bar->hide();
+}
+
+void ScrollIndicator::show(const CGRect& track, double above, double shown, bool stays) {
   const double way = track.size.height - 2 * kMargin;
   if (!owned_->bar || shown >= 1 || way < kShortest) return;
   const double length = std::max(kShortest, way * shown);
   const double y = track.minY() + kMargin + (way - length) * std::min(1.0, above / (1 - shown));
-  owned_->bar->appear(QRectF(track.maxX() - kMargin - kThickness, y, kThickness, length).toRect());
+  owned_->bar->appear(QRectF(track.maxX() - kMargin - kThickness, y, kThickness, length).toRect(),
+                      stays);
 }
 
 }  // namespace kestrova::platform

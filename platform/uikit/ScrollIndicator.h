@@ -8,8 +8,7 @@ class QWidget;
 
 namespace kestrova::platform {
 
-// The thin bar that says how far a scroll view is scrolled, over its content; it fades soon after
-// the last motion. Main thread.
+// The thin bar that says how far a scroll view is scrolled, over its content. Main thread.
 class ScrollIndicator {
  public:
   explicit ScrollIndicator(QWidget& scrollView);
@@ -18,8 +17,9 @@ class ScrollIndicator {
   ScrollIndicator& operator=(const ScrollIndicator&) = delete;
 
   // The way that the bar can take, in points of the scroll view's widget, and the share of the
-  // content that is above what is shown, and that is shown.
-  void show(const CGRect& track, double above, double shown);
+  // content that is above what is shown, and that is shown. Fades soon unless it stays.
+  void show(const CGRect& track, double above, double shown, bool stays = false);
+  void hide();
 
  private:
   class Bar;

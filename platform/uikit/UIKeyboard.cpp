@@ -1,12 +1,16 @@
 #include "platform/uikit/UIKeyboard.h"
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 
 #include <QtCore/QRectF>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QInputMethod>
+#include <QtWidgets/QWidget>
 
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/uikit/UIView.h"
 
 namespace kestrova::platform {
 
@@ -42,6 +46,15 @@ void UIKeyboard::inputMethodChanged(bool visible, const CGRect& rectangle) {
     post(isShown_ ? UIKeyboardWillShowNotification : UIKeyboardWillHideNotification);
   }
   isPosting_ = false;
+}
+
+double UIKeyboard::coveredHeight(const UIView& view) const {
+  const QWidget* const widget = view.widget();
+  if (!isShown_ || !widget) return 0;
+  const QRect place(widget->mapTo(widget->window(), QPoint(0, 0)), widget->size());
+  const QRectF covered(shownAt_.minX(), shownAt_.minY(), shownAt_.size.width, shownAt_.size.height);
+  if (!covered.intersects(place)) return 0;
+  return std::ceil(std::min(place.y() + place.height() - covered.y(), double(place.height())));
 }
 
 void UIKeyboard::post(std::string_view name) const {

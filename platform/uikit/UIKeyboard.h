@@ -6,6 +6,8 @@
 
 namespace kestrova::platform {
 
+class UIView;
+
 // Posted to the default notification centre as a keyboard on the screen comes, changes its place,
 // and goes. The user information holds its rectangle in points, a CGRect, under the key below; that
 // of a keyboard that goes is where it was last.
@@ -25,6 +27,8 @@ class UIKeyboard {
   // Whether it is visible, and where. What changes again while observers are told is told to them
   // afterwards.
   void inputMethodChanged(bool visible, const CGRect& rectangle);
+  // Points of a view's lower edge that the keyboard covers; 0 while no keyboard is on the screen.
+  double coveredHeight(const UIView& view) const;
 
  private:
   UIKeyboard() = default;

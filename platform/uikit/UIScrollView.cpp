@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <utility>
 
 #include <QtWidgets/QLayout>
 #include <QtWidgets/QWidget>
 
+#include "platform/foundation/NotificationCenter.h"
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/ScrollIndicator.h"
+#include "platform/uikit/UIKeyboard.h"
 #include "platform/uikit/UITextField.h"
 
 namespace kestrova::platform {
@@ -109,10 +112,46 @@ void UIScrollView::setContentInset(const UIEdgeInsets& inset) {
   if (contentInset_ == inset) return;
   contentInset_ = inset;
   keepWithinContent();
+  showEditedField();
+}
+
+UIView* UIScrollView::page() const {
+  const auto* const only = subviews().size() == 1 ? subviews()[0].get() : nullptr;
+  return only && only->widget() && only->widget()->layout() ? subviews()[0].get() : nullptr;
+}
+
+UIEdgeInsets UIScrollView::effectiveInset() const {
+  UIEdgeInsets inset = contentInset_;
+  if (covered_ > 0) inset.bottom = std::max(inset.bottom, covered_);
+  return inset;
+}
+
+double UIScrollView::maxConstraintHeight() const {
+  const double around = UIView::maxConstraintHeight();
+  return page() ? std::min(around, visibleHeight()) : around;
+}
+
+void UIScrollView::showEditedField() {
   const auto field = UITextField::edited();
   if (field && field->isDescendant(*this)) {
     scrollRectToVisible({field->convert({}, this), field->bounds().size}, true);
   }
+}
+
+void UIScrollView::awakeFromNib() {
+  UIView::awakeFromNib();
+  if (!page()) return;
+  for (const auto name : {UIKeyboardWillShowNotification, UIKeyboardWillHideNotification}) {
+    NotificationCenter::defaultCenter().addObserver<UIScrollView>(
+        shared(this), [](UIScrollView& self, const Notification&) { self.keyboardMoved(); }, name);
+  }
+}
+
+void UIScrollView::keyboardMoved() {
+  setNeedsLayout();
+  if (!window()) return;
+  layoutIfNeeded();
+  showEditedField();
 }
 
 void UIScrollView::setScrollIndicatorInsets(const UIEdgeInsets& inset) {
@@ -121,10 +160,10 @@ void UIScrollView::setScrollIndicatorInsets(const UIEdgeInsets& inset) {
 
 CGPoint UIScrollView::within(CGPoint offset) const {
   const CGSize size = bounds().size;
+  const UIEdgeInsets inset = effectiveInset();
   const auto limit = [](double value, double before, double length, double after, double shown) {
     return std::max(-before, std::min(value, length + after - shown));
   };
-  const UIEdgeInsets& inset = contentInset_;
   return {limit(offset.x, inset.left, contentSize_.width, inset.right, size.width),
           limit(offset.y, inset.top, contentSize_.height, inset.bottom, size.height)};
 }
@@ -145,14 +184,26 @@ bool UIScrollView::move(CGPoint offset) {
   return true;
 }
 
+bool UIScrollView::moveByHand(CGPoint offset) {
+  hasBeenScrolled_ = true;
+  isHinting_ = false;
+  return move(offset);
+}
+
 void UIScrollView::flashScrollIndicators() {
+  showBar(isHinting_);
+}
+
+void UIScrollView::showBar(bool stays) {
   const CGSize size = bounds().size;
-  const UIEdgeInsets& inset = indicatorInsets_;
-  const double whole = contentSize_.height + contentInset_.top + contentInset_.bottom;
+  UIEdgeInsets track = indicatorInsets_;
+  track.bottom = std::max(track.bottom, covered_);
+  const UIEdgeInsets inset = effectiveInset();
+  const double whole = contentSize_.height + inset.top + inset.bottom;
   indicator_->show(
-      {{std::max(0.0, inset.left), std::max(0.0, inset.top)},
-       {size.width - inset.left - inset.right, size.height - inset.top - inset.bottom}},
-      (contentOffset().y + contentInset_.top) / whole, size.height / whole);
+      {{std::max(0.0, track.left), std::max(0.0, track.top)},
+       {size.width - track.left - track.right, size.height - track.top - track.bottom}},
+      (contentOffset().y + inset.top) / whole, size.height / whole, stays);
 }
 
 void UIScrollView::stop() {
@@ -179,7 +230,7 @@ void UIScrollView::scrollRectToVisible(const CGRect& rect, bool animated) {
     return high > at + end ? std::min(high - end, low - start) : at;
   };
   const auto room = [](double inset) { return std::max(0.0, inset); };
-  const UIEdgeInsets& inset = contentInset_;
+  const UIEdgeInsets inset = effectiveInset();
   setContentOffset({nearest(shown.minX(), rect.minX(), rect.maxX(), room(inset.left),
                             shown.size.width - room(inset.right)),
                     nearest(shown.minY(), rect.minY(), rect.maxY(), room(inset.top),
@@ -188,19 +239,32 @@ void UIScrollView::scrollRectToVisible(const CGRect& rect, bool animated) {
 }
 
 void UIScrollView::layoutSubviews() {
-  const QLayout* layout = subviews().size() == 1 && subviews()[0]->widget()
-                              ? subviews()[0]->widget()->layout()
-                              : nullptr;
-  if (layout) {
-    const CGSize size = bounds().size;
-    const int width = int(std::lround(size.width));
-    const int needed = layout->hasHeightForWidth() ? layout->totalMinimumHeightForWidth(width)
+  if (UIView* const content = page()) {
+    covered_ = UIKeyboard::shared().coveredHeight(*this);
+    const double visible = visibleHeight();
+    if (std::exchange(shownHeight_, visible) != visible) reapplyConstraints();
+    const QLayout* const layout = content->widget()->layout();
+    const double width = bounds().size.width;
+    // What the layout is like may depend on the width.
+    content->setFrame({{}, {width, std::max(contentSize_.height, visible)}});
+    content->layoutSubviews();
+    const int points = int(std::lround(width));
+    const int needed = layout->hasHeightForWidth() ? layout->totalMinimumHeightForWidth(points)
                                                    : layout->totalMinimumSize().height();
-    const CGRect frame{{}, {size.width, std::max(double(needed), size.height)}};
-    subviews()[0]->setFrame(frame);
+    const CGRect frame{{}, {width, std::max(double(needed), visible)}};
+    content->setFrame(frame);
     contentSize_ = frame.size;
   }
   keepWithinContent();
+  if (page()) hintThatItScrolls();
+}
+
+void UIScrollView::hintThatItScrolls() {
+  // A margin below the content is nothing to point at.
+  constexpr double kMargin = 16;
+  isHinting_ = canScroll() && range().height > kMargin && !hasBeenScrolled_;
+  if (isHinting_) showBar(true);
+  if (!canScroll()) indicator_->hide();
 }
 
 bool UIScrollView::press(CGPoint point, long long) {
@@ -225,7 +289,7 @@ void UIScrollView::drag(CGPoint point, long long milliseconds) {
   const CGPoint before = drag_->samples.back().point;
   drag_->add(point, milliseconds);
   const CGPoint at = contentOffset();
-  move({at.x - (point.x - before.x), at.y - (point.y - before.y)});
+  moveByHand({at.x - (point.x - before.x), at.y - (point.y - before.y)});
 }
 
 void UIScrollView::release(CGPoint, long long milliseconds) {
@@ -265,7 +329,7 @@ bool UIScrollView::wheelMoved(CGPoint delta) {
   if (!canScroll()) return false;
   stop();
   const CGPoint at = contentOffset();
-  return move({at.x - delta.x, at.y - delta.y});
+  return moveByHand({at.x - delta.x, at.y - delta.y});
 }
 
 bool UIScrollView::keyPressed(const std::string& key) {
@@ -279,7 +343,7 @@ bool UIScrollView::keyPressed(const std::string& key) {
   if (key == "Up" || key == "PageUp" || key == "Home") by = -by;
   stop();
   const CGPoint at = contentOffset();
-  return move({at.x, at.y + by});
+  return moveByHand({at.x, at.y + by});
 }
 
 }  // namespace kestrova::platform

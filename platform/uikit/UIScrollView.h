@@ -18,8 +18,11 @@ struct UIEdgeInsets {
 };
 
 // Shows a part of a larger content, which fingers, the mouse, a wheel, keys and code can move. An
-// only subview that a layout of the storyboard fills is the content: it gets the scroll view's
-// width and the height that its layout needs, at least the scroll view's own. Main thread.
+// only subview that
+// a layout of the storyboard fills is the page: it gets the scroll view's width and the height that
+// its layout needs, at least that of the part which no on-screen keyboard covers. The keyboard
+// makes the page scroll as far as its covered part needs, and scrolls an edited field into sight.
+// Main thread.
 class UIScrollView : public UIView {
  public:
   UIScrollView();
@@ -47,9 +50,13 @@ class UIScrollView : public UIView {
   // Scrolls no further than needed to show `rect`, in the content's coordinates, within the insets.
   void scrollRectToVisible(const CGRect& rect, bool animated);
 
+  // Points of the height that no on-screen keyboard covers.
+  double visibleHeight() const { return bounds().size.height - covered_; }
+
   // Shows the bar for a moment, as each motion by people does, where there is more than fits.
   void flashScrollIndicators();
 
+  void awakeFromNib() override;
   void layoutSubviews() override;
   bool keyPressed(const std::string& key) override;
   CGRect focusRect() const override { return bounds(); }
@@ -65,20 +72,31 @@ class UIScrollView : public UIView {
  protected:
   bool wheelMoved(CGPoint delta) override;
   void widgetLost() override;
+  double maxConstraintHeight() const override;
   // After the content or the view's size has changed.
   void keepWithinContent() { place(contentOffset()); }
+  // Shows the bar until people scroll, while there is more than fits.
+  void hintThatItScrolls();
   // After the content has moved.
   virtual void didScroll() {}
 
  private:
   struct Drag;
 
+  // Null where the content is not a page.
+  UIView* page() const;
+  // The content inset, with the part of a page that the keyboard covers.
+  UIEdgeInsets effectiveInset() const;
+  void showEditedField();
+  void keyboardMoved();
+  void showBar(bool stays);
   CGPoint within(CGPoint offset) const;
   // How far the content can move.
   CGSize range() const;
   void place(CGPoint offset);
   // By people or an animation, which the bar shows; whether the content has moved.
   bool move(CGPoint offset);
+  bool moveByHand(CGPoint offset);
   void glide(CGPoint velocity);
   void stop();
 
@@ -87,6 +105,12 @@ class UIScrollView : public UIView {
   UIEdgeInsets indicatorInsets_;
   bool isScrollEnabled_ = true;
   bool isGliding_ = false;
+  // True while the bar stays, as people have not scrolled yet.
+  bool isHinting_ = false;
+  bool hasBeenScrolled_ = false;
+  // Points that the keyboard covers of a page.
+  double covered_ = 0;
+  double shownHeight_ = 0;
   std::unique_ptr<Drag> drag_;
   std::unique_ptr<ScrollIndicator> indicator_;
   std::shared_ptr<const void> motion_;

@@ -58,6 +58,7 @@ void UITableView::layoutSubviews() {
   setContentSize({size.width, rows_.height()});
   keepWithinContent();
   showRows();
+  hintThatItScrolls();
 }
 
 void UITableView::load() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 
 #include <QtGui/QKeyEvent>
@@ -637,8 +638,9 @@ void UIView::apply(const NSLayoutConstraint& constraint) {
   const int length = std::max(0, int(std::lround(constraint.shown_)));
   // One that gives way is a wish with the length as its limit.
   const auto& least = constraint.least();
-  const int minimum = least ? std::min(length, int(std::lround(*least))) : length;
+  int minimum = least ? std::min(length, int(std::lround(*least))) : length;
   if (constraint.attribute() == NSLayoutConstraint::Attribute::height) {
+    if (least) minimum = std::min(minimum, int(std::floor(view->maxConstraintHeight())));
     view->widget_->setMinimumHeight(minimum);
     view->widget_->setMaximumHeight(length);
     if (least) view->widget_->wish.setHeight(length);
@@ -649,6 +651,15 @@ void UIView::apply(const NSLayoutConstraint& constraint) {
   }
   view->widget_->keepLimits();
   view->widget_->updateGeometry();
+}
+
+double UIView::maxConstraintHeight() const {
+  return superview_ ? superview_->maxConstraintHeight() : std::numeric_limits<int>::max();
+}
+
+void UIView::reapplyConstraints() {
+  for (const auto& constraint : constraints_) apply(*constraint);
+  for (const auto& subview : subviews_) subview->reapplyConstraints();
 }
 
 void NSLayoutConstraint::setConstant(double constant) {

@@ -218,6 +218,10 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   void redrawAt(double time);
   // The toolkit has deleted the widget.
   virtual void widgetLost() {}
+  // The most height that a constraint which gives way may ask for in this view. Points.
+  virtual double maxConstraintHeight() const;
+  // To be called when what maxConstraintHeight() answers has changed.
+  void reapplyConstraints();
   // A wheel or touch pad moved over the view, by points; whether it was used.
   virtual bool wheelMoved(CGPoint) { return false; }
   // Whether sizeThatFits() answers another height for another width.
