@@ -1,6 +1,7 @@
 // Draws every screen of the flow in every state as PNG files, without a display and without a
 // backend, with drawn specimens before the cameras: for eyes, not for tests.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -49,8 +50,9 @@ struct Size {
   int width;
   int height;
 };
-constexpr Size kSizes[] = {{"375x667", 375, 667}, {"320x568", 320, 568},   {"430x932", 430, 932},
-                           {"667x375", 667, 375}, {"820x1180", 820, 1180}, {"1280x800", 1280, 800}};
+constexpr Size kSizes[] = {{"375x667", 375, 667},   {"320x568", 320, 568},  {"430x932", 430, 932},
+                           {"667x375", 667, 375},   {"480x272", 480, 272},  {"800x480", 800, 480},
+                           {"820x1180", 820, 1180}, {"1280x800", 1280, 800}};
 
 // The flow over a plain host's window, at one of its screens.
 class Stage {
@@ -149,10 +151,10 @@ struct State {
   const char* name;
   const char* scene;
   std::function<void(Stage&)> prepare = [](Stage&) {};
-  // Height of the on-screen keyboard, points.
-  double keyboard = 0;
+  bool hasKeyboard = false;
 };
 
+// Height of the on-screen keyboard, points; at most half of the window.
 constexpr double kKeyboard = 260;
 
 void select(UITableView& table, std::size_t row, UITableViewDelegate& told) {
@@ -192,7 +194,8 @@ std::vector<State> states(const std::filesystem::path& specimens) {
          field->becomeFirstResponder();
          field->setText("un");
          screen.searchCountrylist("un");
-       }},
+       },
+       true},
       {"04-nationality-chosen", "ChooseCitizen",
        [=](Stage& stage) {
          auto& screen = nationality(stage);
@@ -207,7 +210,7 @@ std::vector<State> states(const std::filesystem::path& specimens) {
          field->becomeFirstResponder();
          field->setText("ada@example.com");
        },
-       kKeyboard},
+       true},
       {"08-email-sending", "CheckEmail",
        [](Stage& stage) {
          auto& screen = stage.screen<CheckEmailViewController>();
@@ -307,12 +310,14 @@ int main(int count, char** arguments) {
     for (const auto& state : states(arguments[1])) {
       Stage stage(size, state.scene);
       state.prepare(stage);
-      if (state.keyboard > 0) {
+      const double keyboard = state.hasKeyboard ? std::min(kKeyboard, size.height / 2.0) : 0;
+      if (state.hasKeyboard) {
         UIKeyboard::shared().inputMethodChanged(
-            true, {{0, size.height - state.keyboard}, {double(size.width), state.keyboard}});
+            true, {{0, size.height - keyboard}, {double(size.width), keyboard}});
       }
       Stage::settle(1);
-      stage.save(folder / (std::string(state.name) + ".png"), state.keyboard);
+      Stage::settle(1);
+      stage.save(folder / (std::string(state.name) + ".png"), keyboard);
       UIKeyboard::shared().inputMethodChanged(false, {});
     }
   }

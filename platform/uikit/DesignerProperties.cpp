@@ -10,6 +10,7 @@
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIStackView.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UITableViewCell.h"
 #include "platform/uikit/UITextField.h"
@@ -180,6 +181,8 @@ DesignerProperties::Outcome DesignerProperties::apply(const DesignerProperty& pr
       {"image", on(static_cast<UIImageView*>(nullptr), &Value::image, &UIImageView::setImage)},
       {"scrollEnabled",
        on(static_cast<UIScrollView*>(nullptr), &Value::flag, &UIScrollView::setScrollEnabled)},
+      {"centersRow",
+       on(static_cast<UIStackView*>(nullptr), &Value::flag, &UIStackView::setCentersRow)},
       {"rowHeight",
        on(static_cast<UITableView*>(nullptr), &Value::length, &UITableView::setRowHeight)},
       {"selectionStyle", on(static_cast<UITableViewCell*>(nullptr), &Value::selectionStyle,

@@ -17,7 +17,7 @@ namespace kestrova::platform {
 namespace {
 
 constexpr double kWide = 600;
-constexpr double kHigh = 480;
+constexpr double kHigh = 600;
 constexpr CGSize kCard{480, 760};
 constexpr double kCardMargin = 24;
 constexpr double kDim = 0.45;

@@ -20,7 +20,7 @@ class UIWindow;
 class ModalPresentation : public std::enable_shared_from_this<ModalPresentation> {
  public:
   // Where a screen lies in a window of that size: all of it, or a card in the middle from 600
-  // points of width and 480 of height on.
+  // points of width and of height on.
   static CGRect placeIn(CGSize window);
   static constexpr double kCardRadius = 16;
 

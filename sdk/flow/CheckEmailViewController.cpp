@@ -194,6 +194,17 @@ void CheckEmailViewController::keyboardWasShown(const Notification& notification
   if (field && !visible.contains(field->frame().origin)) {
     scroll->scrollRectToVisible(field->frame(), true);
   }
+  showFieldAndButton();
+}
+
+void CheckEmailViewController::showFieldAndButton() {
+  const auto scroll = scrollView.lock();
+  const auto field = emailTextfield.lock();
+  const auto button = startButton.lock();
+  if (!scroll || !field || !button) return;
+  const CGPoint from = field->convert({}, scroll.get());
+  const double bottom = button->convert({}, scroll.get()).y + button->bounds().size.height;
+  scroll->scrollRectToVisible({from, {field->bounds().size.width, bottom - from.y}}, true);
 }
 
 void CheckEmailViewController::keyboardWillBeHidden(const Notification& notification) {

@@ -59,6 +59,8 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   void hideBottomRightOnSmallDevices();
   void styleTextfieldAndButton();
   void registerForKeyboardNotifications();
+  // Scrolls the edited field into sight, with the button where both fit.
+  void showFieldAndButton();
 
   // True while the spinner is shown.
   bool isWaiting_ = false;

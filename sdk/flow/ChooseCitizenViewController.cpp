@@ -1,5 +1,8 @@
 #include "sdk/flow/ChooseCitizenViewController.h"
 
+#include <algorithm>
+
+#include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/Print.h"
 #include "platform/uikit/NSLayoutConstraint.h"
 #include "platform/uikit/UIAlertController.h"
@@ -8,8 +11,10 @@
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UIDevice.h"
 #include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UIKeyboard.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UINavigationBar.h"
+#include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UITextField.h"
 #include "platform/uikit/UITouch.h"
@@ -58,6 +63,7 @@ void ChooseCitizenViewController::bind(UIBindings& bindings) {
   bindings.outlet("dropdownHeightConstraint", dropdownHeightConstraint);
   bindings.outlet("tableView", tableView);
   bindings.outlet("disclaimerLabel", disclaimerLabel);
+  bindings.outlet("page", page);
   bindings.action("tapOnArrow:", shared(this), &ChooseCitizenViewController::tapOnArrow);
   bindings.action("startButton:", shared(this), &ChooseCitizenViewController::startButton);
   bindings.action("exitVerification:", shared(this),
@@ -79,6 +85,9 @@ void ChooseCitizenViewController::viewDidLoad() {
       shared(this), &ChooseCitizenViewController::internalHideKeyboard);
   tap->delegate = shared(this);
   view()->addGestureRecognizer(tap);
+  NotificationCenter::defaultCenter().addObserver<ChooseCitizenViewController>(
+      shared(this), [](ChooseCitizenViewController& self, const Notification&) { self.showList(); },
+      UIKeyboardWillShowNotification);
 }
 
 const std::vector<CountryEntry>& ChooseCitizenViewController::displayed() const {
@@ -197,7 +206,24 @@ void ChooseCitizenViewController::setDropdownHeight(double height) {
     table->setFocusable(!isClosing);
   }
   if (const auto constraint = dropdownHeightConstraint.lock()) constraint->setConstant(height);
-  UIView::animate(kDropdownSeconds, [this] { view()->layoutIfNeeded(); });
+  UIView::animate(
+      kDropdownSeconds, [this] { view()->layoutIfNeeded(); },
+      [weak = std::weak_ptr(shared(this))] {
+        if (const auto alive = weak.lock()) alive->showList();
+      });
+}
+
+void ChooseCitizenViewController::showList() {
+  const auto scroll = page.lock();
+  const auto list = borderView.lock();
+  if (!scroll || !list || !isListOpen()) return;
+  // The page still has the height from before the list opened.
+  scroll->setNeedsLayout();
+  scroll->layoutIfNeeded();
+  constexpr double kMargin = 8;
+  const CGRect place{list->convert({}, scroll.get()), list->bounds().size};
+  const double free = scroll->visibleHeight() - place.size.height;
+  scroll->scrollRectToVisible(place.insetBy(0, -std::clamp(free / 2, 0.0, kMargin)), true);
 }
 
 void ChooseCitizenViewController::tapOnArrow(const std::shared_ptr<UIControl>&) {

@@ -19,6 +19,7 @@ class NSLayoutConstraint;
 class UIButton;
 class UIImageView;
 class UILabel;
+class UIScrollView;
 class UITextField;
 }  // namespace kestrova::platform
 
@@ -40,6 +41,8 @@ class ChooseCitizenViewController : public UIViewController,
   std::weak_ptr<NSLayoutConstraint> dropdownHeightConstraint;
   std::weak_ptr<UITableView> tableView;
   std::weak_ptr<UILabel> disclaimerLabel;
+  // Scrolls where the window or the keyboard leaves too little height.
+  std::weak_ptr<UIScrollView> page;
 
   // The pinned countries, the divider, the rest.
   std::vector<CountryEntry> countries;
@@ -100,6 +103,8 @@ class ChooseCitizenViewController : public UIViewController,
   const std::vector<CountryEntry>& displayed() const;
   bool isListOpen() const;
   void setDropdownHeight(double height);
+  // Scrolls the open list into sight.
+  void showList();
   void setIcon(std::string_view code);
   void setChooseButton(bool enabled);
 

@@ -24,7 +24,10 @@ void HeadingLabel::chooseSize() {
   constexpr double kSmall = 22;
   constexpr double kBetweenLines = 6;
   const auto window = this->window();
-  const double size = window && window->bounds().size.width < kNarrow ? kSmall : kWide;
+  const CGSize within = window ? window->bounds().size : CGSize{kNarrow, kNarrow};
+  // A window that is wider than high shows two columns.
+  const double narrow = within.width > within.height ? kNarrowColumns : kNarrow;
+  const double size = within.width < narrow ? kSmall : kWide;
   if (size == size_) return;
   size_ = size;
   setFont(UIFont::make("Exo-SemiBold", size).value_or(UIFont::systemFont(size, 0.3)));

@@ -10,6 +10,7 @@ class HeadingLabel : public UILabel {
  public:
   // Windows of less width are narrow, points.
   static constexpr double kNarrow = 360;
+  static constexpr double kNarrowColumns = 600;
 
   HeadingLabel();
 

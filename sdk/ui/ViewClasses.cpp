@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIClassRegistry.h"
 #include "sdk/Platform.h"
+#include "sdk/ui/ArtworkView.h"
 #include "sdk/ui/HeadingLabel.h"
 #include "sdk/ui/KestrovaButton.h"
 #include "sdk/ui/ProgressStepsView.h"
@@ -10,6 +11,7 @@
 namespace kestrova {
 
 void registerViewClasses() {
+  UIClassRegistry::registerClass<ArtworkView>("ArtworkView");
   UIClassRegistry::registerClass<HeadingLabel>("HeadingLabel");
   UIClassRegistry::registerClass<KestrovaButton>("KestrovaButton");
   UIClassRegistry::registerClass<ProgressStepsView>("ProgressStepsView");
