@@ -494,10 +494,9 @@ TEST_F(Flow, ReadsInTheOrderOfTheEye) {
   EXPECT_TRUE(QAccessible::queryAccessibleInterface(window->widget())->state().modal);
   const auto nationality = top<ChooseCitizenViewController>();
   EXPECT_EQ(readAloud(*window),
-            (Texts{"Step 1 of 6", "Close", "Where are you from?",
-                   "In the next three minutes you take a selfie and "
-                   "photograph your document.",
-                   "Country", "Show the countries", "Countries", nationality->termText, "Next"}));
+            (Texts{"Step 1 of 6", "Close", "What’s your nationality?",
+                   "You’ll take a selfie and photograph an ID. It takes about three minutes.",
+                   "Country", "Show countries", "Countries", nationality->termText, "Next"}));
   nationality->tapOnArrow(nullptr);
   finishMotion();
   auto texts = readAloud(*window);
@@ -507,14 +506,14 @@ TEST_F(Flow, ReadsInTheOrderOfTheEye) {
                                               "France", "Spain", "All countries", "Afghanistan"}));
 
   push<CheckEmailViewController>("CheckEmail");
-  EXPECT_EQ(readAloud(*window), (Texts{"Step 2 of 6", "Close", "Back", "What is your e-mail?",
-                                       "We send the result of your verification to this address.",
-                                       "E-mail address", "Next"}));
+  EXPECT_EQ(readAloud(*window),
+            (Texts{"Step 2 of 6", "Close", "Back", "What’s your email address?",
+                   "We’ll use it for this verification.", "Email address", "Next"}));
   const auto type = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
   tapRow(dynamic_cast<UITableView&>(*type->children().front()->view()), 1);
   EXPECT_EQ(readAloud(*window),
             (Texts{"Step 4 of 6", "Close", "Back", "Choose your document",
-                   "Have it at hand: you photograph it next.", "Documents", "Passport",
+                   "Have it ready. You’ll photograph it next.", "Documents", "Passport",
                    "Driving License, selected", "National ID Card", "Next"}));
 }
 
