@@ -126,6 +126,10 @@ void DevelopmentView::layoutSubviews() {
   cancel_->setFrame({{(size.width - buttonWidth) / 2, size.height - 16 - kButtonHeight},
                      {buttonWidth, kButtonHeight}});
   place(*notice_, cancel_->frame().minY() - kMargin, {});
+  if (notice_->frame().minY() >= hint_->frame().maxY()) return;
+  // A low window has room beside the button alone.
+  const auto text = notice_->sizeThatFits({cancel_->frame().minX() - 2 * kSide, size.height});
+  notice_->setFrame({{kSide, cancel_->frame().midY() - text.height / 2}, text});
 }
 
 void DevelopmentView::draw(Canvas& canvas) {

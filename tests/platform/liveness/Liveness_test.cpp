@@ -369,6 +369,25 @@ TEST_F(Liveness, TellsWhatToDoAndWhatItIsNot) {
   EXPECT_LT(ring.red(), 60);
 }
 
+TEST_F(Liveness, KeepsItsTextsApartInALowWindow) {
+  ZoomCustomization look;
+  look.feedbackCustomization.topMargin = 136;
+  const auto view = std::make_shared<DevelopmentView>(look);
+  view->setFeedback("Put your face in the oval");
+  view->setDark(true);
+  place(view, {{0, 0}, {480, 272}});
+  for (const auto& one : view->subviews()) {
+    for (const auto& other : view->subviews()) {
+      if (one == other || one == view->oval() || other == view->oval()) continue;
+      const CGRect a = one->frame();
+      const CGRect b = other->frame();
+      EXPECT_TRUE(a.maxX() <= b.minX() || b.maxX() <= a.minX() || a.maxY() <= b.minY() ||
+                  b.maxY() <= a.minY())
+          << one->accessibilityLabel() << " lies over " << other->accessibilityLabel();
+    }
+  }
+}
+
 // What an integrator's adapter is to the facade.
 class Adapter : public LivenessEngine {
  public:
