@@ -168,7 +168,10 @@ class ScreenLayout : public test::FlowTest, public testing::WithParamInterface<C
     const CGRect whole = sheet();
     const bool hasColumns = size.width > size.height && size.height < 600;
     EXPECT_EQ(button.minX() == heading.minX(), !hasColumns || artwork);
-    EXPECT_EQ(whole.maxX() - button.maxX(), size.width < 360 ? 20 : 24);
+    constexpr double kMaxColumns = 840;
+    const double margin = size.width < 360 ? 20 : 24;
+    EXPECT_EQ(whole.maxX() - button.maxX(),
+              hasColumns ? std::max(margin, (size.width - kMaxColumns) / 2) : margin);
     if (!artwork || visibleHeight() < size.height) return;
     const CGRect drawn = inWindow(*artwork);
     if (drawn.maxX() < heading.minX()) {
@@ -178,7 +181,13 @@ class ScreenLayout : public test::FlowTest, public testing::WithParamInterface<C
     }
   }
 
-  const CGSize size = GetParam();
+  void turn() {
+    size = {size.height, size.width};
+    host().resize(int(size.width), int(size.height));
+    settle();
+  }
+
+  CGSize size = GetParam();
   double keyboard = 0;
 };
 
@@ -192,6 +201,10 @@ TEST_P(ScreenLayout, ShowsEverythingOnEveryScreen) {
     settle();
     finishMotion();
     expectWellLaidOut();
+    turn();
+    constexpr double kLeastWidth = 320;
+    if (size.width >= kLeastWidth) expectWellLaidOut();
+    turn();
   }
 }
 
