@@ -1,5 +1,6 @@
 #include "sdk/media/GIFHelper.h"
 
+#include <algorithm>
 #include <memory>
 #include <numeric>
 #include <string>
@@ -87,7 +88,13 @@ double UIImageExtensions::delayForImageAtIndex(std::size_t index, const CGImageS
 std::int64_t UIImageExtensions::gcdForPair(std::optional<std::int64_t> a,
                                            std::optional<std::int64_t> b) {
   if (!a || !b) return b.value_or(a.value_or(0));
-  return std::gcd(*a, *b);
+  std::int64_t larger = std::max(*a, *b);
+  std::int64_t smaller = std::min(*a, *b);
+  // Dividing the smallest integer by -1 is undefined; everything is a multiple of -1.
+  while (smaller != 0 && smaller != -1 && larger % smaller != 0) {
+    larger = std::exchange(smaller, larger % smaller);
+  }
+  return smaller != 0 ? smaller : larger;
 }
 
 std::int64_t UIImageExtensions::gcdForArray(const std::vector<std::int64_t>& array) {

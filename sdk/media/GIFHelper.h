@@ -26,7 +26,8 @@ struct UIImageExtensions {
 
   // In seconds, never below 0.1, which is also what a frame without a delay has.
   static double delayForImageAtIndex(std::size_t index, const CGImageSource& source);
-  // The greatest common divisor; of one number that number, of none 0.
+  // The greatest common divisor by Euclid's algorithm, negative for some negative numbers; of one
+  // number that number, of none 0.
   static std::int64_t gcdForPair(std::optional<std::int64_t> a, std::optional<std::int64_t> b);
   // Of an empty list 1.
   static std::int64_t gcdForArray(const std::vector<std::int64_t>& array);

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 #include "sdk/core/Kestrova.h"
 #include "tests/platform/graphics/Pictures.h"
@@ -116,6 +117,10 @@ TEST(GreatestCommonDivisor, takesAbsentNumbers) {
   EXPECT_EQ(Helper::gcdForPair({}, {}), 0);
   EXPECT_EQ(Helper::gcdForPair(12, 18), 6);
   EXPECT_EQ(Helper::gcdForPair(0, 4), 4);
+  constexpr auto kSmallest = std::numeric_limits<std::int64_t>::min();
+  EXPECT_EQ(Helper::gcdForPair(kSmallest, 6), -2);
+  EXPECT_EQ(Helper::gcdForPair(-1, kSmallest), -1);
+  EXPECT_EQ(Helper::gcdForPair(0, kSmallest), kSmallest);
   EXPECT_EQ(Helper::gcdForArray({}), 1);
   EXPECT_EQ(Helper::gcdForArray({30, 45, 60}), 15);
   EXPECT_EQ(Helper::gcdForArray({30}), 30);
