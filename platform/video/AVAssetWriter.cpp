@@ -24,9 +24,28 @@ std::string codec(const AVVideoSettings& settings) {
 
 }  // namespace
 
+bool AVAssetWriterInput::isReadyForMoreMediaData() const {
+  const auto writer = writer_.lock();
+  return writer && !isFinished_ && writer->status() == AVAssetWriterStatus::writing;
+}
+
 bool AVAssetWriterInput::append(const CVPixelBuffer& buffer, CMTime time) {
   const auto writer = writer_.lock();
-  return writer && !isFinished_ && writer->append(buffer, time);
+  return writer && isReadyForMoreMediaData() && writer->append(buffer, time);
+}
+
+AVAssetWriterInputPixelBufferAdaptor::AVAssetWriterInputPixelBufferAdaptor(
+    std::shared_ptr<AVAssetWriterInput> assetWriterInput,
+    const std::map<std::string, int>& sourcePixelBufferAttributes)
+    : input_(std::move(assetWriterInput)) {
+  const auto format = sourcePixelBufferAttributes.find(kCVPixelBufferPixelFormatTypeKey);
+  takesARGB_ =
+      format == sourcePixelBufferAttributes.end() || format->second == kCVPixelFormatType_32ARGB;
+}
+
+bool AVAssetWriterInputPixelBufferAdaptor::append(const CVPixelBuffer& buffer,
+                                                  CMTime withPresentationTime) {
+  return takesARGB_ && input_->append(buffer, withPresentationTime);
 }
 
 Result<std::shared_ptr<AVAssetWriter>> AVAssetWriter::make(const std::filesystem::path& url,
@@ -65,15 +84,14 @@ bool AVAssetWriter::startWriting() {
   if (!input_ || status() != AVAssetWriterStatus::unknown) return false;
   const auto& settings = input_->outputSettings();
   file_ = std::make_unique<MovieFile>(url_, side(settings, AVVideoWidthKey),
-                                      side(settings, AVVideoHeightKey));
+                                      side(settings, AVVideoHeightKey), input_->frameDuration());
   const std::lock_guard lock(mutex_);
   status_ = AVAssetWriterStatus::writing;
   return true;
 }
 
 bool AVAssetWriter::append(const CVPixelBuffer& buffer, CMTime time) {
-  if (status() != AVAssetWriterStatus::writing) return false;
-  const auto appended = file_->append(buffer, time + CMTime{-start_.value, start_.timescale});
+  const auto appended = file_->append(buffer, time + CMTimeMake(-start_.value, start_.timescale));
   if (!appended) fail(appended.error());
   return bool(appended);
 }

@@ -28,8 +28,13 @@ class AVAssetWriterInput {
   static void requestMediaDataWhenReady(const DispatchQueue& on, DispatchBlock block) {
     on.async(std::move(block));
   }
-  // A frame may always be appended; appending waits until it is encoded.
-  static bool isReadyForMoreMediaData() { return true; }
+  // True from the start of the writing until the track is finished or the writer has failed:
+  // appending waits by itself until the frame is encoded.
+  bool isReadyForMoreMediaData() const;
+  // How long the last frame lasts; its timescale is the track's unit of time. Before the writing
+  // starts.
+  void setFrameDuration(CMTime duration) { frameDuration_ = duration; }
+  CMTime frameDuration() const { return frameDuration_; }
   // No frame comes any more.
   void markAsFinished() { isFinished_ = true; }
 
@@ -42,28 +47,26 @@ class AVAssetWriterInput {
   std::string mediaType_;
   AVVideoSettings outputSettings_;
   std::weak_ptr<AVAssetWriter> writer_;
+  CMTime frameDuration_ = CMTimeMake(1, 5);
   bool isFinished_ = false;
 };
 
-// Appends frames to a track.
+// Appends frames to a track. The attributes name the format of the frames; only 32-bit ARGB is
+// accepted.
 class AVAssetWriterInputPixelBufferAdaptor {
  public:
-  AVAssetWriterInputPixelBufferAdaptor(std::shared_ptr<AVAssetWriterInput> assetWriterInput,
-                                       std::map<std::string, int> sourcePixelBufferAttributes)
-      : input_(std::move(assetWriterInput)), attributes_(std::move(sourcePixelBufferAttributes)) {}
-
-  const std::map<std::string, int>& sourcePixelBufferAttributes() const { return attributes_; }
+  AVAssetWriterInputPixelBufferAdaptor(
+      std::shared_ptr<AVAssetWriterInput> assetWriterInput,
+      const std::map<std::string, int>& sourcePixelBufferAttributes);
 
   // Encodes the buffer to be shown from `withPresentationTime` on; the buffer is free afterwards.
-  // Not on the main thread. False, with the writer failed, where it cannot be; also where the
-  // writer is not writing or the track is finished.
-  bool append(const CVPixelBuffer& buffer, CMTime withPresentationTime) {
-    return input_->append(buffer, withPresentationTime);
-  }
+  // Not on the main thread. Returns false, with the writer failed, if it cannot; also if the writer
+  // is not writing, the track is finished or the attributes name another format.
+  bool append(const CVPixelBuffer& buffer, CMTime withPresentationTime);
 
  private:
   std::shared_ptr<AVAssetWriterInput> input_;
-  std::map<std::string, int> attributes_;
+  bool takesARGB_;
 };
 
 }  // namespace kestrova::platform

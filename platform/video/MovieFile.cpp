@@ -13,9 +13,8 @@
 #include <gst/gst.h>
 
 #include "platform/foundation/FileManager.h"
-#include "platform/video/EmptyMovie.h"
 #include "platform/video/GStreamer.h"
-#include "platform/video/MovieDates.h"
+#include "platform/video/MovieBoxes.h"
 #include "platform/video/VideoError.h"
 
 namespace kestrova::platform {
@@ -43,7 +42,7 @@ constexpr const char* kPipeline =
     "appsrc name=in format=time ! videoconvert "
     "! video/x-raw,format=I420,colorimetry=bt709 "
     "! openh264enc name=encoder rate-control=quality qp-min=24 qp-max=24 complexity=low "
-    "! h264parse ! qtmux trak-timescale=5 movie-timescale=5 ! filesink name=out";
+    "! h264parse ! qtmux name=muxer ! filesink name=out";
 
 NSError cannotWrite(const std::string& why) {
   return videoError(VideoErrorCode::cannotWrite, "the movie cannot be written: " + why);
@@ -130,12 +129,19 @@ struct MovieFile::Pipeline {
   std::size_t encoded = 0;
 };
 
-MovieFile::MovieFile(std::filesystem::path path, std::size_t width, std::size_t height)
-    : path_(std::move(path)), width_(even(width)), height_(even(height)) {}
+MovieFile::MovieFile(std::filesystem::path path, std::size_t width, std::size_t height,
+                     CMTime frameDuration)
+    : path_(std::move(path)),
+      width_(even(width)),
+      height_(even(height)),
+      frameDuration_(frameDuration) {}
 
 MovieFile::~MovieFile() = default;
 
 Result<Done> MovieFile::open() {
+  if (!frameDuration_.isValid() || frameDuration_.value <= 0) {
+    return videoError(VideoErrorCode::unsupported, "the duration of a frame is not positive");
+  }
   if (auto started = startGStreamer(); !started) return started;
   // Private to the user, which the framework would not make it.
   if (auto made = FileManager::write({}, path_); !made) return made;
@@ -151,13 +157,17 @@ Result<Done> MovieFile::open() {
   auto* const bin = GST_BIN(pipeline->all.get());
   pipeline->source.reset(gst_bin_get_by_name(bin, "in"));
   pipeline->bus.reset(gst_element_get_bus(pipeline->all.get()));
+  const Element muxer(gst_bin_get_by_name(bin, "muxer"));
+  const auto timescale = static_cast<guint>(frameDuration_.timescale);
+  g_object_set(muxer.get(), "trak-timescale", timescale, "movie-timescale", timescale, nullptr);
   const Element out(gst_bin_get_by_name(bin, "out"));
   g_object_set(out.get(), "location", path_.c_str(), nullptr);
 
-  GstCaps* const caps =
-      gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "xRGB", "width", G_TYPE_INT,
-                          static_cast<int>(width_), "height", G_TYPE_INT, static_cast<int>(height_),
-                          "framerate", GST_TYPE_FRACTION, 5, 1, nullptr);
+  GstCaps* const caps = gst_caps_new_simple(
+      "video/x-raw", "format", G_TYPE_STRING, "xRGB", "width", G_TYPE_INT, static_cast<int>(width_),
+      "height", G_TYPE_INT, static_cast<int>(height_), "framerate", GST_TYPE_FRACTION,
+      frameDuration_.timescale,
+      static_cast<int>(std::min<std::int64_t>(frameDuration_.value, G_MAXINT)), nullptr);
   gst_app_src_set_caps(GST_APP_SRC(pipeline->source.get()), caps);
   gst_caps_unref(caps);
 
@@ -179,16 +189,28 @@ Result<Done> MovieFile::open() {
 }
 
 Result<Done> MovieFile::append(const CVPixelBuffer& frame, CMTime time) {
-  if (!pipeline_) {
+  const bool isFirst = !pipeline_;
+  if (isFirst) {
     if (auto opened = open(); !opened) return opened;
   }
+  const auto timescale = static_cast<guint64>(frameDuration_.timescale);
+  const auto units = time.isValid() && time.value >= 0
+                         ? gst_util_uint64_scale_round(static_cast<guint64>(time.value), timescale,
+                                                       static_cast<guint64>(time.timescale))
+                         : G_MAXUINT64;
+  if (units > G_MAXUINT32 || (!isFirst && units <= lastTime_)) {
+    return cannotWrite("a frame lies before another or outside the movie");
+  }
+  if (isFirst) firstTime_ = units;
+  lastTime_ = units;
   const auto bytes = pixels(frame, width_, height_);
   GstBuffer* const buffer = gst_buffer_new_allocate(nullptr, bytes.size(), nullptr);
   if (!buffer) return cannotWrite("there is no memory for a frame");
   gst_buffer_fill(buffer, 0, bytes.data(), bytes.size());
-  GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(static_cast<guint64>(time.value), GST_SECOND,
-                                                 static_cast<guint64>(time.timescale));
-  GST_BUFFER_DURATION(buffer) = GST_SECOND / 5;
+  // The muxer begins every movie with its first frame; completeMovie() puts that right.
+  GST_BUFFER_PTS(buffer) = gst_util_uint64_scale_round(units - firstTime_, GST_SECOND, timescale);
+  GST_BUFFER_DURATION(buffer) = gst_util_uint64_scale_round(
+      static_cast<guint64>(frameDuration_.value), GST_SECOND, timescale);
   // Takes the buffer over.
   if (gst_app_src_push_buffer(GST_APP_SRC(pipeline_->source.get()), buffer) != GST_FLOW_OK) {
     const Message failed{gst_bus_pop_filtered(pipeline_->bus.get(), GST_MESSAGE_ERROR)};
@@ -208,7 +230,7 @@ Result<Done> MovieFile::finish() {
   const std::string why = last && !isWhole ? textOf(*last) : "the file does not end";
   pipeline_.reset();
   if (!isWhole) return cannotWrite(why);
-  return clearMovieDates(path_);
+  return completeMovie(path_, static_cast<std::uint32_t>(firstTime_));
 }
 
 }  // namespace kestrova::platform

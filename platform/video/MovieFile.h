@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 
@@ -9,19 +10,21 @@
 
 namespace kestrova::platform {
 
-// A QuickTime file with one H.264 track, at five units of time a second. Not on the main thread:
-// each call works until what it was given is encoded. One thread at a time.
+// A QuickTime file with one H.264 track. Not for the main thread: each call works until what it was
+// given is encoded. One thread at a time.
 class MovieFile {
  public:
-  // Nothing is written until a frame is appended.
-  MovieFile(std::filesystem::path path, std::size_t width, std::size_t height);
+  // The frame duration's timescale is the track's unit of time; its value is how long the last
+  // frame lasts. Nothing is written until a frame is appended.
+  MovieFile(std::filesystem::path path, std::size_t width, std::size_t height,
+            CMTime frameDuration);
   ~MovieFile();
   MovieFile(const MovieFile&) = delete;
   MovieFile& operator=(const MovieFile&) = delete;
 
-  // The frame as it is at that time; an odd side is encoded one pixel larger with its edge
-  // repeated. An error where the encoder is missing or refuses the size, or the file cannot be
-  // written.
+  // Shows the frame from that time on, which is 0 or later and after the frame before. An odd side
+  // is encoded one pixel larger with its edge repeated. Returns an error if the encoder is missing
+  // or cannot take the size, or the file cannot be written.
   Result<Done> append(const CVPixelBuffer& frame, CMTime time);
   // Closes the file; without frames one without a frame. After an error the file is no movie.
   Result<Done> finish();
@@ -34,6 +37,10 @@ class MovieFile {
   const std::filesystem::path path_;
   const std::size_t width_;
   const std::size_t height_;
+  const CMTime frameDuration_;
+  // Of the first and the last frame, in units of the track's time.
+  std::uint64_t firstTime_ = 0;
+  std::uint64_t lastTime_ = 0;
   std::unique_ptr<Pipeline> pipeline_;
 };
 

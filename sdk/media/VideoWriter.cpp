@@ -60,7 +60,7 @@ CXEImagesToVideo::CXEImagesToVideo(AVVideoSettings settings) {
       writeInput,
       std::map<std::string, int>{{kCVPixelBufferPixelFormatTypeKey, kCVPixelFormatType_32ARGB}});
   constexpr int kFramesASecond = 5;
-  frameTime = CMTime{1, kFramesASecond};
+  frameTime = CMTimeMake(1, kFramesASecond);
 }
 
 void CXEImagesToVideo::createMovieFrom(const std::vector<std::filesystem::path>& urls,
@@ -98,6 +98,7 @@ void CXEImagesToVideo::createMovieFromSource(std::vector<std::any> images,
   }
   completionBlock = std::move(withCompletion);
   if (!failure_.empty()) return stop();
+  writeInput->setFrameDuration(frameTime.value_or(CMTime()));
   assetWriter->startWriting();
   assetWriter->startSession(kCMTimeZero);
   AVAssetWriterInput::requestMediaDataWhenReady(
@@ -126,7 +127,9 @@ void CXEImagesToVideo::write(const std::vector<std::any>& images,
     }
     const bool isTold = DispatchQueue::main().sync([&self] {
       self->stopHandler = nullptr;
-      std::exchange(self->completionBlock, nullptr)(*self->fileURL);
+      if (const auto completion = std::exchange(self->completionBlock, nullptr)) {
+        completion(*self->fileURL);
+      }
     });
     if (!isTold) print("Kestrova: the application has ended before its movie");
   });
@@ -140,8 +143,9 @@ void CXEImagesToVideo::append(const UIImage& image, std::size_t i) {
   }
   const auto buffer = newPixelBufferFrom(bitmap.value());
   if (!buffer) return;
+  const auto duration = writeInput->frameDuration();
   const auto before = static_cast<std::int64_t>(i) - 1;
-  const CMTime time = i == 0 ? kCMTimeZero : CMTime{before, frameTime->timescale} + *frameTime;
+  const CMTime time = i == 0 ? kCMTimeZero : CMTimeMake(before, duration.timescale) + duration;
   // A frame that cannot be written fails the writer, which is told when it finishes.
   static_cast<void>(bufferAdapter->append(*buffer, time));
 }

@@ -15,12 +15,12 @@
 
 namespace kestrova {
 
-// Makes one movie of still pictures, five a second, in the documents directory. Every instance
-// writes to the same file and removes an earlier one's when it is constructed. Create it with
-// std::make_shared. The run works on a queue of its own; its completion comes on the main queue,
-// also when a frame could not be written or the disk was full: isMovieWhole() says which. A run
-// without a writer or with a picture that cannot be drawn stops instead: it logs one line, removes
-// its file and calls `stopHandler`.
+// Makes one movie of still pictures, one each `frameTime`, in the documents directory. Every
+// instance writes to the same file and removes an earlier one's when it is constructed. Create it
+// with std::make_shared. The run works on a queue of its own; its completion comes on the main
+// queue, also when a frame could not be written or the disk was full: isMovieWhole() says which. A
+// run without a writer or with a picture that cannot be drawn stops instead: it logs one line,
+// removes its file and calls `stopHandler`.
 class CXEImagesToVideo : public std::enable_shared_from_this<CXEImagesToVideo> {
  public:
   using CXEMovieMakerCompletion = std::function<void(const std::filesystem::path& url)>;
@@ -32,7 +32,7 @@ class CXEImagesToVideo : public std::enable_shared_from_this<CXEImagesToVideo> {
   std::shared_ptr<AVAssetWriterInput> writeInput;
   std::shared_ptr<AVAssetWriterInputPixelBufferAdaptor> bufferAdapter;
   std::optional<AVVideoSettings> videoSettings_;
-  // The duration of a frame.
+  // The duration of a frame: 0.2 s, unless changed before the run.
   std::optional<CMTime> frameTime;
   std::optional<std::filesystem::path> fileURL;
   // Called once, and empty afterwards, as is `stopHandler`: either may hold this object.

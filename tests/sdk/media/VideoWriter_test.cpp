@@ -51,6 +51,12 @@ class VideoWriterTest : public PictureTest {
     return bytes("frames");
   }
 
+  std::string duration(const std::filesystem::path& file) const {
+    run("ffprobe -v error -show_entries format=duration -of csv=p=0 '" + file.string() +
+        "' >duration; true");
+    return bytes("duration");
+  }
+
   StandardOutput output;
 };
 
@@ -89,13 +95,43 @@ TEST_F(VideoWriterTest, ShowsAPictureEachFifthOfASecond) {
 
 TEST_F(VideoWriterTest, LeavesThePlaceOfASkippedPictureEmpty) {
   run("convert -size 64x48 xc:red a.png && convert -size 64x48 xc:blue c.png && echo no >b.png");
-  const auto at = [this](const char* name) { return folder.path() / name; };
-  const auto file = make(writer(64, 48),
-                         std::vector<std::filesystem::path>{at("a.png"), at("b.png"), at("c.png")});
+  const auto of = [this](const std::vector<std::string>& names) {
+    std::vector<std::filesystem::path> urls;
+    for (const auto& name : names) urls.push_back(folder.path() / (name + ".png"));
+    return urls;
+  };
+  auto file = make(writer(64, 48), of({"a", "b", "c"}));
   ASSERT_TRUE(file);
   EXPECT_EQ(frames(*file), lines({"0.000000,64,48", "0.400000,64,48"}));
   EXPECT_EQ(output.lines(),
             std::vector<std::string>{"Warning: counld not extract one of the frames"});
+  file = make(writer(64, 48), of({"b", "b", "a", "c"}));
+  ASSERT_TRUE(file);
+  EXPECT_EQ(frames(*file), lines({"0.400000,64,48", "0.600000,64,48"}));
+  EXPECT_EQ(duration(*file), "0.800000\n");
+}
+
+TEST_F(VideoWriterTest, ShowsEachPictureForTheFrameTimeThatWasSet) {
+  const std::vector<UIImage> images(3, plain(64, 48, 0xffff0000));
+  const std::pair<CMTime, std::vector<std::string>> cases[] = {
+      {CMTimeMake(1, 10), {"0.000000", "0.100000", "0.200000", "0.300000"}},
+      {CMTimeMake(1, 3), {"0.000000", "0.333333", "0.666667", "1.000000"}},
+      {CMTimeMake(1001, 30000), {"0.000000", "0.033367", "0.033400", "0.066767"}}};
+  for (const auto& [frameTime, times] : cases) {
+    const auto made = writer(64, 48);
+    made->frameTime = frameTime;
+    const auto file = make(made, images);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(frames(*file),
+              lines({times[0] + ",64,48", times[1] + ",64,48", times[2] + ",64,48"}));
+    EXPECT_EQ(duration(*file), times[3] + "\n");
+  }
+  for (const auto& frameTime : {CMTime(), CMTimeMake(0, 5), CMTimeMake(1, 0)}) {
+    const auto made = writer(64, 48);
+    made->frameTime = frameTime;
+    EXPECT_TRUE(make(made, images));
+    EXPECT_FALSE(made->isMovieWhole());
+  }
 }
 
 TEST_F(VideoWriterTest, ReplacesTheMovieBeforeAndMayHaveNoPicture) {
