@@ -56,8 +56,19 @@ std::string textOf(GstMessage& message) {
   return text;
 }
 
-std::size_t even(std::size_t side) {
-  return side + side % 2;
+// The encoder takes even sides of at least 16 pixels and at most so many macroblocks of 16 x 16.
+// The framework refuses very long sides; this limit is known to work.
+constexpr std::size_t kMacroblock = 16;
+constexpr std::size_t kMaxMacroblocks = 36864;
+constexpr std::size_t kMaxSide = 16384;
+
+std::size_t encodableSide(std::size_t side) {
+  return std::max(side + side % 2, kMacroblock);
+}
+
+bool isEncodable(std::size_t width, std::size_t height) {
+  const auto blocks = [](std::size_t side) { return (side + kMacroblock - 1) / kMacroblock; };
+  return std::max(width, height) <= kMaxSide && blocks(width) * blocks(height) <= kMaxMacroblocks;
 }
 
 // The frame's pixels with the last column and row again where the movie is larger.
@@ -132,13 +143,20 @@ struct MovieFile::Pipeline {
 MovieFile::MovieFile(std::filesystem::path path, std::size_t width, std::size_t height,
                      CMTime frameDuration)
     : path_(std::move(path)),
-      width_(even(width)),
-      height_(even(height)),
+      width_(encodableSide(width)),
+      height_(encodableSide(height)),
       frameDuration_(frameDuration) {}
 
 MovieFile::~MovieFile() = default;
 
 Result<Done> MovieFile::open() {
+  if (!isEncodable(width_, height_)) {
+    const auto limit = kMaxMacroblocks * kMacroblock * kMacroblock;
+    return videoError(VideoErrorCode::unsupported,
+                      std::to_string(width_) + " x " + std::to_string(height_) +
+                          " pixels are more than the encoder takes: " + std::to_string(limit) +
+                          ", and " + std::to_string(kMaxSide) + " a side");
+  }
   if (!frameDuration_.isValid() || frameDuration_.value <= 0) {
     return videoError(VideoErrorCode::unsupported, "the duration of a frame is not positive");
   }

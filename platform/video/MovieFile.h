@@ -22,8 +22,8 @@ class MovieFile {
   MovieFile(const MovieFile&) = delete;
   MovieFile& operator=(const MovieFile&) = delete;
 
-  // Shows the frame from that time on, which is 0 or later and after the frame before. An odd side
-  // is encoded one pixel larger with its edge repeated. Returns an error if the encoder is missing
+  // Shows the frame from that time on, which is 0 or later and after the frame before. An odd or a
+  // small side is encoded larger with its edge repeated. Returns an error if the encoder is missing
   // or cannot take the size, or the file cannot be written.
   Result<Done> append(const CVPixelBuffer& frame, CMTime time);
   // Closes the file; without frames one without a frame. After an error the file is no movie.

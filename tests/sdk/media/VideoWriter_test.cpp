@@ -134,6 +134,23 @@ TEST_F(VideoWriterTest, ShowsEachPictureForTheFrameTimeThatWasSet) {
   }
 }
 
+TEST_F(VideoWriterTest, PadsSmallSizesAndNamesTheLimitOfLargeOnes) {
+  for (const auto& [width, height, size] :
+       {std::tuple{1, 1, "16,16"}, {14, 201, "16,202"}, {300, 3, "300,16"}}) {
+    const auto file = make(writer(width, height), std::vector<UIImage>{plain(1, 1, 0xffff0000)});
+    ASSERT_TRUE(file);
+    EXPECT_EQ(frames(*file), std::string("0.000000,") + size + "\n");
+  }
+  const auto large = writer(4096, 2305);
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(make(large, std::vector<UIImage>(2, plain(8, 8, 0xffffffff))));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_FALSE(large->isMovieWhole());
+  EXPECT_EQ(output.lines().back(),
+            "Kestrova: the movie is not whole: 4096 x 2306 pixels are more than the encoder takes: "
+            "9437184, and 16384 a side");
+}
+
 TEST_F(VideoWriterTest, ReplacesTheMovieBeforeAndMayHaveNoPicture) {
   ASSERT_TRUE(make(writer(64, 48), std::vector<UIImage>{plain(64, 48, 0xffffffff)}));
   const auto file = make(writer(64, 48), std::vector<UIImage>{});
