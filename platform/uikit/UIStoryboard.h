@@ -28,7 +28,7 @@ class UIStoryboard : public std::enable_shared_from_this<UIStoryboard> {
       std::string_view withIdentifier) const;
 
   // Loads every screen and row once: one error for all outlets, actions and classes that do not
-  // fit. For tests.
+  // fit. No screen's viewDidLoad() runs.
   Result<Done> verify() const;
 
  private:

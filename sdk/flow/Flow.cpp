@@ -52,6 +52,9 @@ Result<std::shared_ptr<UIViewController>> makeFlow() {
   if (!bundle) return NSError{"Kestrova", 0, "Kestrova.bundle is missing"};
   const auto storyboard = UIStoryboard::make("FrameworkStoryboard", *bundle);
   if (!storyboard) return storyboard.error();
+  // A screen that does not fit is found now, not in the middle of a verification.
+  const auto verified = storyboard.value()->verify();
+  if (!verified) return verified.error();
   return storyboard.value()->instantiateInitialViewController();
 }
 

@@ -8,7 +8,9 @@
 #include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIAlertController.h"
 #include "platform/uikit/UIApplication.h"
+#include "platform/uikit/UIBindings.h"
 #include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIClassRegistry.h"
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UIKeyboard.h"
 #include "platform/uikit/UILabel.h"
@@ -90,6 +92,27 @@ TEST_F(Flow, GoesFromTheHostsScreenToTheSelfie) {
   EXPECT_EQ(linesThatBegin("singup response: [").size(), 1U);
   EXPECT_NE(lastRequest().body.find("identifier=Ada%40Example.com"), std::string::npos);
   EXPECT_TRUE(navigation()->goBack());
+}
+
+TEST_F(Flow, PresentsNothingWhereTheLastScreenLacksAnOutlet) {
+  class Demanding : public CongratsViewController {
+   public:
+    void bind(UIBindings& bindings) override {
+      CongratsViewController::bind(bindings);
+      bindings.outlet("seal", seal_);
+    }
+
+   private:
+    std::weak_ptr<UIView> seal_;
+  };
+  registerFlowClasses();
+  UIClassRegistry::registerClass<Demanding>("CongratsViewController");
+  start();
+  UIClassRegistry::registerClass<CongratsViewController>("CongratsViewController");
+  EXPECT_FALSE(wrapper->presentedViewController());
+  EXPECT_TRUE(
+      hasLine("Kestrova: nothing is presented: scene Congrats: "
+              "Congrats.ui: the outlet \"seal\" is missing"));
 }
 
 TEST_F(Flow, MovesOnAfterAnyAnswerThatIsAnObjectAndOnlyOnce) {
