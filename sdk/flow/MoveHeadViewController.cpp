@@ -128,6 +128,13 @@ void MoveHeadViewController::engineAnswered(bool success) {
   setZoomCustomizationBasedOnDevice();
   Zoom::sdk().auditTrailType = 1;
   const auto screen = Zoom::sdk().createVerificationVC(shared(this));
+  if (!screen) {
+    print("Kestrova: the selfie cannot be taken: the liveness engine gave no screen");
+    const auto alert = std::make_shared<UIAlertController>(
+        "The camera could not start", "Please try again, or close and come back later.");
+    alert->addAction(std::make_shared<UIAlertAction>("OK", UIAlertActionStyle::standard));
+    return present(alert, true);
+  }
   screen->modalPresentationStyle = UIModalPresentationStyle::overCurrentContext;
   engineScreen_ = screen;
   present(screen, true);

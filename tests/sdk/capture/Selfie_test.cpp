@@ -30,11 +30,13 @@ class ToldEngine : public LivenessEngine {
     EXPECT_TRUE(delegate.lock());
     calls.push_back("screen " + std::to_string(auditTrailType));
     look = customization;
+    if (!givesScreen) return nullptr;
     screen = std::make_shared<UIViewController>();
     return screen;
   }
 
   ZoomSDKStatus answer{1};
+  bool givesScreen = true;
   mutable int asked = 0;
   std::vector<std::string> calls;
   ZoomCustomization look;
@@ -154,9 +156,16 @@ TEST_F(Selfie, StaysWhereTheEngineIsNotReady) {
   tap(*screen, "Start");
   ASSERT_TRUE(watchUntil([&] { return engine->asked == 1; }));
   settle();
-  LivenessEngine::setCurrent(nullptr);
   EXPECT_EQ(engine->screen, nullptr);
   EXPECT_EQ(screen->presentedViewController(), nullptr);
+
+  // An adapter without a screen: a line, and something to read.
+  engine->answer = ZoomSDKStatus{1};
+  engine->givesScreen = false;
+  tap(*screen, "Start");
+  ASSERT_TRUE(watchUntil([&] { return shows("The camera could not start"); }));
+  EXPECT_TRUE(hasLine("Kestrova: the selfie cannot be taken: the liveness engine gave no screen"));
+  LivenessEngine::setCurrent(nullptr);
 }
 
 TEST_F(Selfie, TellsTheEngineWhoAsksAndHowItIsToLook) {
