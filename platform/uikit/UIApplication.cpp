@@ -79,7 +79,7 @@ bool UIApplication::exists() {
   const auto* const application = qobject_cast<QApplication*>(QCoreApplication::instance());
   if (!application) return false;
   auto& attached = attachment();
-  if (!attached.pump && QThread::currentThread() == application->thread()) {
+  if (QThread::currentThread() == application->thread() && !attached.pump) {
     attached.pump = std::make_unique<MainLoopPump>();
     AccessibleView::install();
     qAddPostRoutine(applicationGoes);

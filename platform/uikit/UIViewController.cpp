@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QtCore/QPointer>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
 #include "platform/foundation/Print.h"
@@ -163,6 +164,30 @@ std::shared_ptr<UIWindow> UIViewController::windowForPresenting() {
   return view_ ? view_->window() : nullptr;
 }
 
+namespace {
+
+// True while a modal dialog that was not opened from `window` keeps input from it.
+bool isBlockedByDialog(const QWidget& window) {
+  const QWidget* const modal = QApplication::activeModalWidget();
+  const auto isWithin = [](const QWidget* widget, const QWidget* parent) {
+    while (widget && widget != parent) widget = widget->parentWidget();
+    return widget != nullptr;
+  };
+  if (!modal || isWithin(&window, modal)) return false;
+  return modal->windowModality() == Qt::ApplicationModal || isWithin(modal, &window);
+}
+
+// A presentation that the user cannot see or use yet goes on, but the host's developer should know.
+void reportUnusable(const QWidget& window) {
+  if (!window.isVisible()) {
+    print("Kestrova: the presented screen cannot be seen: the host's window is not shown");
+  } else if (isBlockedByDialog(window)) {
+    print("Kestrova: the presented screen cannot be used: a modal dialog of the host is open");
+  }
+}
+
+}  // namespace
+
 void UIViewController::present(const std::shared_ptr<UIViewController>& controller, bool animated,
                                std::function<void()> completion) {
   if (const auto above = parent())
@@ -191,6 +216,7 @@ void UIViewController::present(const std::shared_ptr<UIViewController>& controll
     print("Kestrova: nothing is presented: the presenting screen is in no window");
     return;
   }
+  if (!own) reportUnusable(*window->widget()->window());
   presentation_ = std::make_shared<ModalPresentation>(self, controller, window, bool(wrapped_));
   controller->presentedBy_ = presentation_;
   if (wrapped_) {

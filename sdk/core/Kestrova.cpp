@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/dispatch/MainLoop.h"
 #include "platform/foundation/Print.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIViewController.h"
@@ -37,9 +38,10 @@ void storeAuthentication(const JSONDictionary& answer) {
 }
 
 void present(const std::shared_ptr<UIViewController>& from) {
-  if (!UIApplication::exists() || !from) {
-    return print("Kestrova: this process has no interface, nothing is presented");
+  if (!UIApplication::exists()) {
+    return print("Kestrova: nothing is presented: the process has no application object");
   }
+  if (!from) return print("Kestrova: nothing is presented: the presenting screen is null");
   const auto flow = makeFlow();
   if (!flow) {
     return print("Kestrova: nothing is presented: " + flow.error().localizedDescription);
@@ -64,6 +66,13 @@ void Kestrova::initialize(std::string key) {
 }
 
 void Kestrova::startVerification(const std::shared_ptr<UIViewController>& from) {
+  // Attaches the main queue to the toolkit's thread, in case this is the first call.
+  UIApplication::exists();
+  if (!isMainThread()) {
+    return print(
+        "Kestrova: the verification cannot be started: startVerification was called off the main "
+        "thread");
+  }
   print("Kestrova API key is: " + description(apiKey));
   if (!apiKey) throw KestrovaError(KestrovaErrors::notInitializedApiKey);
   API::createAuthentication(*apiKey, storeAuthentication);

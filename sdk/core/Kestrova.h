@@ -40,7 +40,7 @@ class KESTROVA_EXPORT Kestrova {
 
   // Opens an authentication on the backend and presents the flow over `from` without waiting for
   // the answer. Throws KestrovaError (notInitializedApiKey) before initialize, with nothing sent
-  // and nothing presented.
+  // and nothing presented. A call off the main thread does nothing but print a line.
   static void startVerification(const std::shared_ptr<UIViewController>& from);
 
   // The resource bundle Kestrova.bundle of the SDK, looked up anew on every call; none where it is

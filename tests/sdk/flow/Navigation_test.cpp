@@ -1,8 +1,10 @@
 // The flow as a user walks through it: real taps and keys on the laid-out screens.
 
 #include <sstream>
+#include <thread>
 
 #include <QtGui/QAccessible>
+#include <QtWidgets/QDialog>
 
 #include "platform/uikit/NSLayoutConstraint.h"
 #include "platform/uikit/UIAccessibility.h"
@@ -113,6 +115,55 @@ TEST_F(Flow, PresentsNothingWhereTheLastScreenLacksAnOutlet) {
   EXPECT_TRUE(
       hasLine("Kestrova: nothing is presented: scene Congrats: "
               "Congrats.ui: the outlet \"seal\" is missing"));
+}
+
+TEST_F(Flow, LeavesTheHostUnharmedWhenItIsStartedOffTheMainThread) {
+  Kestrova::initialize("K");
+  std::thread([this] { Kestrova::startVerification(wrapper); }).join();
+  finishMotion();
+  EXPECT_EQ(output.lines(), std::vector<std::string>{
+                                "Kestrova: the verification cannot be started: startVerification "
+                                "was called off the main thread"});
+  EXPECT_FALSE(wrapper->presentedViewController());
+  start();
+  EXPECT_TRUE(top<ChooseCitizenViewController>());
+  EXPECT_EQ(server->requests().size(), 1U);
+}
+
+TEST_F(Flow, SaysInOneLineWhyItCannotBeSeen) {
+  Kestrova::initialize("K");
+  const auto linesOf = [this](const std::shared_ptr<UIViewController>& from) {
+    const auto before = linesThatBegin("Kestrova: ").size();
+    Kestrova::startVerification(from);
+    finishMotion();
+    auto lines = linesThatBegin("Kestrova: ");
+    lines.erase(lines.begin(), lines.begin() + std::ptrdiff_t(before));
+    return lines;
+  };
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(linesOf(nullptr),
+            Lines{"Kestrova: nothing is presented: the presenting screen is null"});
+
+  QWidget hidden;
+  const auto unseen = UIViewController::wrapping(hidden);
+  EXPECT_EQ(linesOf(unseen),
+            Lines{"Kestrova: the presented screen cannot be seen: the host's window is not shown"});
+  hidden.show();
+  EXPECT_TRUE(unseen->presentedViewController()->view()->widget()->isVisible());
+  unseen->dismiss(false);
+
+  QDialog dialog(&host());
+  dialog.open();
+  EXPECT_EQ(
+      linesOf(wrapper),
+      Lines{"Kestrova: the presented screen cannot be used: a modal dialog of the host is open"});
+  dialog.close();
+  EXPECT_TRUE(top<ChooseCitizenViewController>());
+  wrapper->dismiss(false);
+  const auto inDialog = UIViewController::wrapping(dialog);
+  dialog.open();
+  EXPECT_EQ(linesOf(inDialog), Lines{});
+  inDialog->dismiss(false);
 }
 
 TEST_F(Flow, MovesOnAfterAnyAnswerThatIsAnObjectAndOnlyOnce) {
