@@ -174,18 +174,19 @@ void CameraControlsView::setFlash(bool hasFlash, CameraFlashMode mode) {
   setState(state_);
 }
 
-void CameraControlsView::focus() {
+std::shared_ptr<UIView> CameraControlsView::primaryControl() const {
   switch (state_) {
     case State::opening:
     case State::taking:
-      return;
+      break;
     case State::live:
-      return shutter_->becomeFocused();
+      return shutter_;
     case State::taken:
-      return use_->becomeFocused();
+      return use_;
     case State::failed:
-      return retake_->becomeFocused();
+      return retake_;
   }
+  return nullptr;
 }
 
 void CameraControlsView::layoutSubviews() {

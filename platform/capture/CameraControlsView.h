@@ -34,8 +34,8 @@ class CameraControlsView : public UIView {
   State state() const { return state_; }
   // The switch is there for a camera that has a flash.
   void setFlash(bool hasFlash, CameraFlashMode mode);
-  // Gives the keyboard's focus to what the state is about.
-  void focus();
+  // The control that the state is about; null while there is nothing to do but wait.
+  std::shared_ptr<UIView> primaryControl() const;
 
   std::function<void()> onShutter;
   std::function<void()> onCancel;

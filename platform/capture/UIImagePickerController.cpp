@@ -210,9 +210,16 @@ void UIImagePickerController::viewWillAppear(bool animated) {
   open();
 }
 
-void UIImagePickerController::viewDidAppear(bool animated) {
-  UIViewController::viewDidAppear(animated);
-  content_->controls->focus();
+std::shared_ptr<UIView> UIImagePickerController::preferredFocusView() {
+  return content_->controls->primaryControl();
+}
+
+void UIImagePickerController::controlsChanged() {
+  const auto window = content_->window();
+  if (!window) return;
+  // Other buttons take the place of the shutter.
+  if (content_->controls->state() != State::live) window->contentChanged(content_->controls);
+  window->focusPreferredView();
 }
 
 void UIImagePickerController::viewWillDisappear(bool animated) {
@@ -249,7 +256,7 @@ void UIImagePickerController::open() {
     if (controls.state() != State::opening) return;
     alive->content_->preview->setAccessibilityLabel("Camera picture");
     controls.setState(State::live);
-    controls.focus();
+    alive->controlsChanged();
   };
   session_->onFailure = [weak](const NSError& error) {
     if (const auto alive = weak.lock()) alive->fail(error);
@@ -267,7 +274,7 @@ void UIImagePickerController::fail(const NSError& error) {
   content_->preview->setPicture(nullptr);
   content_->setAdvice(adviceFor(error));
   content_->controls->setState(State::failed);
-  content_->controls->focus();
+  controlsChanged();
 }
 
 void UIImagePickerController::takePhoto() {
@@ -292,7 +299,7 @@ void UIImagePickerController::show(const CameraPhoto& photo) {
   content_->preview->setPicture(photo.preview);
   content_->preview->setAccessibilityLabel("Your photo");
   content_->controls->setState(State::taken);
-  content_->controls->focus();
+  controlsChanged();
   NotificationCenter::defaultCenter().post({kUserDidCaptureItem, this, {}});
 }
 

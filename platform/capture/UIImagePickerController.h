@@ -51,7 +51,7 @@ class UIImagePickerController : public UIViewController {
   bool fillsWindow() const override { return true; }
   void loadView() override;
   void viewWillAppear(bool animated) override;
-  void viewDidAppear(bool animated) override;
+  std::shared_ptr<UIView> preferredFocusView() override;
   void viewWillDisappear(bool animated) override;
   bool accessibilityPerformEscape() override;
 
@@ -59,6 +59,8 @@ class UIImagePickerController : public UIViewController {
   class PickerView;
 
   CGSize sizeToCome() const;
+  // Another state: the focus goes to the control that it is about.
+  void controlsChanged();
   void open();
   void close();
   void fail(const NSError& error);

@@ -40,6 +40,8 @@ class DevelopmentScreen : public UIViewController {
   void viewWillDisappear(bool animated) override;
   // Cancels.
   bool accessibilityPerformEscape() override;
+  // None: Enter must not cancel the run that it has started.
+  std::shared_ptr<UIView> preferredFocusView() override { return nullptr; }
 
  private:
   void openCamera();

@@ -27,6 +27,10 @@ std::shared_ptr<UIView> focusedView(const QWidget& window) {
   return nullptr;
 }
 
+enum class Input { none, keyboard, pointer };
+Input lastInput = Input::none;
+int rings = 0;
+
 bool byKeyboard(Qt::FocusReason reason) {
   return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
          reason == Qt::ShortcutFocusReason;
@@ -42,22 +46,35 @@ class FocusRing::Ring : public QWidget {
     setFocusPolicy(Qt::NoFocus);
     setVisible(false);
     qApp->installEventFilter(this);
+    ++rings;
+  }
+  Ring(const Ring&) = delete;
+  Ring& operator=(const Ring&) = delete;
+  // Nothing watches the input after the last one.
+  ~Ring() override {
+    if (--rings == 0) lastInput = Input::none;
   }
 
   bool eventFilter(QObject* object, QEvent* event) override {
     switch (event->type()) {
       case QEvent::KeyPress:
-        isPointerInUse_ = false;
+        lastInput = Input::keyboard;
         break;
-      case QEvent::FocusIn:
-        isWanted_ = !isPointerInUse_ && byKeyboard(static_cast<QFocusEvent*>(event)->reason());
-        [[fallthrough]];
+      case QEvent::FocusIn: {
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        // The focus comes back from another window or a menu: the ring is as it was.
+        const bool returns =
+            reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+        if (!returns) isWanted_ = lastInput != Input::pointer && byKeyboard(reason);
+        later();
+        break;
+      }
       case QEvent::FocusOut:
         later();
         break;
       case QEvent::MouseButtonPress:
       case QEvent::TouchBegin:
-        isPointerInUse_ = true;
+        lastInput = Input::pointer;
         isWanted_ = false;
         if (isVisible()) later();
         break;
@@ -114,8 +131,6 @@ class FocusRing::Ring : public QWidget {
   }
 
   QPointer<QWidget> window_;
-  // Whether a finger or the mouse was used last, rather than a key.
-  bool isPointerInUse_ = false;
   bool isWanted_ = false;
   double radius_ = 0;
 };
@@ -133,5 +148,9 @@ struct FocusRing::Owned {
 FocusRing::FocusRing(UIWindow& window) : owned_(std::make_unique<Owned>(window)) {}
 
 FocusRing::~FocusRing() = default;
+
+bool FocusRing::isKeyboardInUse() {
+  return lastInput == Input::keyboard;
+}
 
 }  // namespace kestrova::platform

@@ -15,6 +15,9 @@ class FocusRing {
   FocusRing(const FocusRing&) = delete;
   FocusRing& operator=(const FocusRing&) = delete;
 
+  // True when the last input was a key. False without any input since the first ring was made.
+  static bool isKeyboardInUse();
+
  private:
   class Ring;
   struct Owned;

@@ -130,7 +130,8 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
   const auto presenter = presenter_.lock();
   const auto window = window_.lock();
   isComing_ = true;
-  restoreFocus_ = focusToRestore(window->widget());
+  if (ownWindow_) restoreHostFocus_ = focusToRestore(window->widget());
+  focusedBefore_ = window->focusedView();
   if (completion) pending_.push_back(std::move(completion));
 
   stage_ = std::make_shared<Stage>();
@@ -152,8 +153,7 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
   stage_->setScreen(view);
   window->addSubview(stage_);
   stage_->layoutIfNeeded();
-  // Keys are no longer for what lies below.
-  if (window->widget()) window->widget()->setFocus(Qt::OtherFocusReason);
+  motion_ = window->beginMotion(stage_);
 
   if (coversPresenter()) presenter->beginAppearance(false, animated);
   presented_->beginAppearance(true, animated);
@@ -188,13 +188,15 @@ void ModalPresentation::showEnded() {
   isTelling_ = true;
   stage_->setShare(1);
   presented_->view()->setHidden(false);
-  if (QWidget* const widget = windowWidget()) widget->setFocus(Qt::OtherFocusReason);
+  motion_.reset();
   presented_->endAppearance();
   if (const auto presenter = presenter_.lock(); presenter && coversPresenter()) {
     presenter->endAppearance();
   }
   isTelling_ = false;
   runPending();
+  const auto window = window_.lock();
+  if (window && !isBeingDismissed_) window->screenAppeared(stage_);
 }
 
 void ModalPresentation::dismiss(bool animated, std::function<void()> completion) {
@@ -217,6 +219,7 @@ void ModalPresentation::dismiss(bool animated, std::function<void()> completion)
   const bool moves = animated && visible;
   const CGRect place = stage_->place();
   const auto from = moves ? Snapshot::of(*window, place) : nullptr;
+  if (window) motion_ = window->beginMotion(stage_);
 
   presented_->beginAppearance(false, animated);
   takeAwayAbove();
@@ -258,7 +261,8 @@ void ModalPresentation::takeAway() {
   if (presenter && presenter->presentation_.get() == this) presenter->presentation_.reset();
   if (stage_->isLowest) UIScreen::main().setBounds(std::nullopt);
   if (ownWindow_) ownWindow_->close();
-  if (restoreFocus_) restoreFocus_();
+  motion_.reset();
+  if (restoreHostFocus_) restoreHostFocus_();
   ofHost_.reset();
 }
 
@@ -270,6 +274,10 @@ void ModalPresentation::dismissEnded() {
   if (coversPresenter() && presenter) presenter->endAppearance();
   presented_->endAppearance();
   runPending();
+  const auto window = window_.lock();
+  if (!window || ownWindow_ || !presenter) return;
+  const auto area = presenter->contentScreen()->viewIfLoaded();
+  if (area) window->screenAppeared(area, focusedBefore_);
 }
 
 void ModalPresentation::abandon() {

@@ -72,7 +72,10 @@ class ModalPresentation : public std::enable_shared_from_this<ModalPresentation>
   std::shared_ptr<Stage> stage_;
   std::shared_ptr<Transition> transition_;
   std::vector<std::function<void()>> pending_;
-  std::function<void()> restoreFocus_;
+  std::shared_ptr<const void> motion_;
+  // The focus before: of a host's window, or the view in a window of ours.
+  std::function<void()> restoreHostFocus_;
+  std::weak_ptr<UIView> focusedBefore_;
   // While show() arranges everything, and while the end of the motion is told.
   bool isComing_ = false;
   bool isTelling_ = false;

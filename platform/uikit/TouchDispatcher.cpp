@@ -22,7 +22,9 @@ UITouch TouchDispatcher::touch(CGPoint point, const std::shared_ptr<UIView>& vie
 void TouchDispatcher::began(CGPoint point, long long milliseconds) {
   cancelled();
   const auto hit = window_.hitTest(point);
-  if (!hit) return;
+  if (!hit || window_.ignoresTouches(*hit)) return;
+  // A new screen may be scrolled, but not tapped.
+  const bool isTap = !window_.ignoresTaps(*hit);
   const UITouch start = touch(point, hit);
   start_ = point;
   isDown_ = true;
@@ -30,9 +32,9 @@ void TouchDispatcher::began(CGPoint point, long long milliseconds) {
   touched_ = hit;
   bool claimed = false;
   for (auto view = hit; view; view = view->superview()) {
-    if (owner_.expired() && view->wantsTouches()) owner_ = view;
+    if (isTap && owner_.expired() && view->wantsTouches()) owner_ = view;
     claimed = claimed || view->claimsTouches();
-    if (!claimed && recognizer_.expired()) {
+    if (isTap && !claimed && recognizer_.expired()) {
       const auto recognizers = view->gestureRecognizers();
       for (const auto& recognizer : recognizers) {
         if (!recognizer->shouldReceive(start)) continue;
@@ -102,6 +104,16 @@ void TouchDispatcher::cancelled() {
   touched_.reset();
   recognizer_.reset();
   scrollView_.reset();
+}
+
+void TouchDispatcher::cancelIn(const UIView& area) {
+  const auto touched = touched_.lock();
+  if (touched && touched->isDescendant(area)) cancelled();
+}
+
+void TouchDispatcher::cancelUnreachable() {
+  const auto touched = touched_.lock();
+  if (touched && !touched->isReachable()) cancelled();
 }
 
 void TouchDispatcher::cancelOwner() {

@@ -23,6 +23,9 @@ class TouchDispatcher {
   void moved(CGPoint point, long long milliseconds);
   void ended(CGPoint point, long long milliseconds);
   void cancelled();
+  // Cancel the touch under way if it began in `area`, or on a view that a modal view covers now.
+  void cancelIn(const UIView& area);
+  void cancelUnreachable();
 
  private:
   UITouch touch(CGPoint point, const std::shared_ptr<UIView>& view) const;

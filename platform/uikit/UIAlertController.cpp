@@ -129,10 +129,6 @@ void UIAlertController::loadView() {
   setView(view);
 }
 
-void UIAlertController::viewDidAppear(bool) {
-  if (const auto window = view()->window()) window->moveFocus(true);
-}
-
 bool UIAlertController::accessibilityPerformEscape() {
   const auto cancelling = std::find_if(actions_.begin(), actions_.end(), [](const auto& action) {
     return action->style() == UIAlertActionStyle::cancel;

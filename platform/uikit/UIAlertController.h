@@ -45,7 +45,6 @@ class UIAlertController : public UIViewController {
   const std::vector<std::shared_ptr<UIAlertAction>>& actions() const { return actions_; }
 
   void loadView() override;
-  void viewDidAppear(bool animated) override;
   bool accessibilityPerformEscape() override;
 
  private:

@@ -121,6 +121,11 @@ std::shared_ptr<UIViewController> UINavigationController::popViewController(bool
   return from;
 }
 
+std::shared_ptr<UIViewController> UINavigationController::contentScreen() {
+  const auto top = topViewController();
+  return top ? top->contentScreen() : UIViewController::contentScreen();
+}
+
 bool UINavigationController::goBack() {
   if (UIViewController::goBack()) return true;
   const auto top = topViewController();
@@ -139,6 +144,10 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
   const CGRect whole{{}, content_->bounds().size};
   // Before the old screen strips what it shows.
   const auto old = moves ? Snapshot::opaque(*content_, whole, memory_) : nullptr;
+  // A screen that is presented above keeps the focus and the keys.
+  if (isAppearing() && viewIfLoaded()->isReachable()) {
+    motion_ = viewIfLoaded()->window()->beginMotion(viewIfLoaded());
+  }
   if (from && isAppearing()) from->beginAppearance(false, animated);
   // Who is told may have put another screen on top.
   if (topViewController() != to) return leave(from);
@@ -154,15 +163,13 @@ void UINavigationController::exchange(const std::shared_ptr<UIViewController>& f
     const auto finished = std::exchange(alive->transition_, nullptr);
     to->view()->setHidden(false);
     alive->leave(from);
-    // Before the screen appears, which may give the focus to one of its fields.
-    const auto window = alive->viewIfLoaded()->window();
-    if (window && window->widget() && !alive->presentedViewController()) {
-      window->widget()->setFocus(Qt::OtherFocusReason);
-    }
+    alive->motion_.reset();
     to->endAppearance();
     if (const auto asked = alive->delegate.lock()) {
       asked->navigationControllerDidShow(*alive, *to, animated);
     }
+    const auto window = alive->viewIfLoaded()->window();
+    if (window && alive->isAppearing()) window->screenAppeared(alive->viewIfLoaded());
   };
   if (!moves) return end();
   if (from) from->view()->setHidden(true);

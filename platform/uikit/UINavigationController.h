@@ -46,6 +46,7 @@ class UINavigationController : public UIViewController {
   std::shared_ptr<UIViewController> popViewController(bool animated);
   // Where the top screen offers a way back and shows no modal view.
   bool goBack() override;
+  std::shared_ptr<UIViewController> contentScreen() override;
   // The top screen's navigation item is another one.
   void itemChanged();
   void modalViewChanged() override;
@@ -70,6 +71,8 @@ class UINavigationController : public UIViewController {
   std::shared_ptr<UIView> content_;
   std::shared_ptr<UINavigationBar> bar_;
   std::shared_ptr<Transition> transition_;
+  // Held from the start to the end of a push or pop.
+  std::shared_ptr<const void> motion_;
   std::shared_ptr<SnapshotMemory> memory_;
 };
 

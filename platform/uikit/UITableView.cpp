@@ -234,7 +234,11 @@ void UITableView::touchesMoved(const UITouch& touch) {
 void UITableView::touchesEnded(const UITouch& touch) {
   const auto row = pressed_;
   endPress();
-  if (row && rowUnder(touch) == row) choose(*row);
+  if (!row || rowUnder(touch) != row) return;
+  // Keys go on from the row that was tapped.
+  if (focused_) focused_ = row;
+  showFocus(false);
+  choose(*row);
 }
 
 void UITableView::touchesCancelled(const UITouch&) {

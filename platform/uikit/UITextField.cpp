@@ -104,6 +104,11 @@ class UITextField::Editor : public QLineEdit {
   }
 
   void forget() { field_ = nullptr; }
+  // Where the next character goes, in the field's coordinates.
+  CGRect caret() const {
+    const QRect place = cursorRect().translated(pos());
+    return {{double(place.center().x()), double(place.top())}, {1, double(place.height())}};
+  }
   bool isComposing() const { return isComposing_; }
 
   void setByCode(const QString& wanted) {
@@ -156,8 +161,11 @@ class UITextField::Editor : public QLineEdit {
     if (!field) return QLineEdit::keyPressEvent(event);
     const auto asked = field->delegate.lock();
     const auto key = listKey(*event);
-    // One that is held presses once.
+    // A held Enter submits once.
     if (event->isAutoRepeat() && isPlainEnter(*event)) return;
+    const bool activates = isPlainEnter(*event) || event->key() == Qt::Key_Space;
+    const auto window = field->window();
+    if (window && window->ignoresKey(activates ? "Return" : "")) return;
     if (asked && !key.empty() && asked->textFieldKeyPressed(*field, key)) return;
     if (field->isEditing()) {
       if (!isPlainEnter(*event)) return QLineEdit::keyPressEvent(event);
@@ -184,7 +192,9 @@ class UITextField::Editor : public QLineEdit {
 
   void focusInEvent(QFocusEvent* event) override {
     QLineEdit::focusInEvent(event);
-    if (field_ && !field_->isEditing()) end(false);
+    if (!field_) return;
+    if (!field_->isEditing()) end(false);
+    field_->setNeedsDisplay();
   }
 
   void focusOutEvent(QFocusEvent* event) override {
@@ -194,6 +204,7 @@ class UITextField::Editor : public QLineEdit {
                            event->reason() == Qt::ActiveWindowFocusReason;
     if (field_ && !comesBack) field_->endEditing(true);
     if (!comesBack) home(false);
+    if (field_) field_->setNeedsDisplay();
   }
 
   void hideEvent(QHideEvent* event) override {
@@ -440,6 +451,8 @@ void UITextField::lay(NSLayoutManager& manager, const std::string& text, double 
 }
 
 void UITextField::draw(Canvas& canvas) {
+  // The line edit draws its caret only while it can be edited, but typing begins the editing.
+  if (editor_ && editor_->hasFocus() && !isEditing_) canvas.fill(editor_->caret(), textColor_);
   if (!text_.empty() || placeholder_.empty() || (editor_ && editor_->isComposing())) return;
   const CGSize size = bounds().size;
   const double width = std::max(0.0, size.width - 2 * textInset_);

@@ -78,7 +78,7 @@ std::string nameOf(const QKeyEvent& event) {
   }
 }
 
-// What presses, leaves or chooses.
+// Keys that must not repeat while held: activate, cancel, back.
 constexpr std::array<std::string_view, 4> kPresses{"Space", "Return", "Escape", "Back"};
 
 // Nothing goes through a window that covers the host to what lies below.
@@ -216,10 +216,12 @@ class UIView::Widget : public QWidget {
   void keyPressEvent(QKeyEvent* event) override {
     const std::string key = nameOf(*event);
     const auto alive = view_ ? view_->shared_from_this() : nullptr;
-    // A key that is held presses once; it moves on through lists and texts.
+    // A held arrow key does repeat, in lists and texts.
     const bool isHeld =
         event->isAutoRepeat() && std::find(kPresses.begin(), kPresses.end(), key) != kPresses.end();
-    const bool used = alive && !key.empty() && (isHeld || view_->keyPressed(key));
+    const auto window = alive ? static_cast<UIView&>(*alive).window() : nullptr;
+    const bool isIgnored = isHeld || (window && window->ignoresKey(key));
+    const bool used = alive && !key.empty() && (isIgnored || view_->keyPressed(key));
     event->setAccepted(used || (alive && keepsKeys(static_cast<UIView*>(alive.get()))));
   }
   void keyReleaseEvent(QKeyEvent* event) override { event->setAccepted(keepsKeys(view_)); }
@@ -415,6 +417,8 @@ void UIView::place(const std::shared_ptr<UIView>& view, std::size_t index) {
 void UIView::removeFromSuperview() {
   if (!superview_) return;
   const auto self = shared(this);
+  resignFocusWithin();
+  if (!superview_) return;
   UIView& parent = *superview_;
   const CGRect last = frame();
   const bool wasModal = showsModalView();
@@ -477,9 +481,19 @@ void UIView::notifyWindow() {
 
 void UIView::setHidden(bool hidden) {
   if (isHidden_ == hidden) return;
+  if (hidden) resignFocusWithin();
   isHidden_ = hidden;
   if (widget_ && superview_) widget_->setVisible(!hidden);
   if (isModal_ && superview_) superview_->modalSubviewChanged();
+}
+
+// The toolkit would give the focus of a widget that it hides to whatever comes next, for example to
+// the way out.
+void UIView::resignFocusWithin() {
+  const auto window = superview_ ? this->window() : nullptr;
+  if (!window || window->isInsideForm()) return;
+  const auto focused = window->focusedView();
+  if (focused && focused->isDescendant(*this)) window->resignFocus();
 }
 
 void UIView::setAccessibilityViewIsModal(bool isModal) {
@@ -524,7 +538,7 @@ bool UIView::isReachable() const {
 }
 
 void UIView::modalSubviewChanged() {
-  if (const auto window = this->window()) window->dropUnreachableFocus();
+  if (const auto window = this->window()) window->modalityChanged();
   for (const UIView* above = this; above; above = above->superview_) {
     if (const auto controller = above->viewController_.lock()) controller->modalViewChanged();
   }

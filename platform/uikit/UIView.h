@@ -250,6 +250,7 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   // Null without a visible modal subview.
   const UIView* modalSubview() const;
   void modalSubviewChanged();
+  void resignFocusWithin();
   void layoutPass();
   void layoutTree();
   void settleConstraints();

@@ -7,6 +7,7 @@
 #include <QtWidgets/QWidget>
 
 #include "platform/foundation/Print.h"
+#include "platform/uikit/FocusOrder.h"
 #include "platform/uikit/ModalPresentation.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UINavigationController.h"
@@ -277,6 +278,15 @@ void UIViewController::performSegue(std::string_view withIdentifier,
     return navigation->pushViewController(destination.value(), true);
   }
   present(destination.value(), true);
+}
+
+std::shared_ptr<UIViewController> UIViewController::contentScreen() {
+  return shared(this);
+}
+
+std::shared_ptr<UIView> UIViewController::preferredFocusView() {
+  const auto order = view_ ? focusOrder(view_) : std::vector<std::shared_ptr<UIView>>();
+  return order.empty() ? nullptr : order.front();
 }
 
 bool UIViewController::escape() {

@@ -94,6 +94,12 @@ class KESTROVA_EXPORT UIViewController : public UIResponder {
   virtual void prepare(const UIStoryboardSegue&,
                        const std::shared_ptr<UIViewController>& /*sender*/) {}
 
+  // The screen that people look at inside a frame or a stack; this one unless overridden.
+  virtual std::shared_ptr<UIViewController> contentScreen();
+  // The view that gets the keyboard's focus when this screen has appeared; null for none. Unless
+  // overridden, the first in reading order that can take it.
+  virtual std::shared_ptr<UIView> preferredFocusView();
+
   // Escape, or its like of assistive technology: shuts what is open on this screen. False where
   // nothing is; the screens around are asked then.
   virtual bool accessibilityPerformEscape() { return false; }

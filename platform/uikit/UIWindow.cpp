@@ -11,6 +11,8 @@
 #include <QtWidgets/QWidget>
 
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/uikit/AnimationClock.h"
+#include "platform/uikit/FocusOrder.h"
 #include "platform/uikit/FocusRing.h"
 #include "platform/uikit/TouchDispatcher.h"
 #include "platform/uikit/UIApplication.h"
@@ -178,40 +180,6 @@ void UIWindow::widgetLost() {
 
 namespace {
 
-// Whether something else lies over the middle of the view, as an overlay does. Of one that is
-// scrolled out of sight it is the scroll view that counts.
-bool isCovered(const UIView& view) {
-  const auto window = view.window();
-  const CGSize size = view.bounds().size;
-  const CGPoint middle{view.bounds().origin.x + size.width / 2,
-                       view.bounds().origin.y + size.height / 2};
-  for (auto above = view.superview(); above; above = above->superview()) {
-    const auto* const scrollView = dynamic_cast<const UIScrollView*>(above.get());
-    if (scrollView && !scrollView->bounds().contains(view.convert(middle, scrollView))) {
-      return isCovered(*scrollView);
-    }
-  }
-  const auto hit = window ? window->hitTest(view.convert(middle, nullptr)) : nullptr;
-  return hit && !hit->isDescendant(view) && !view.isDescendant(*hit);
-}
-
-// The subtree's focusable views in the order of the eye: as they lie in the tree.
-void collectFocusable(const std::shared_ptr<UIView>& view,
-                      std::vector<std::shared_ptr<UIView>>& found) {
-  if (view->isHidden() || !view->isUserInteractionEnabled()) return;
-  if (view->isFocusable() && !isCovered(*view)) {
-    const auto* control = dynamic_cast<const UIControl*>(view.get());
-    if (!control || control->isEnabled()) found.push_back(view);
-  }
-  for (const auto& subview : view->reachableSubviews()) collectFocusable(subview, found);
-}
-
-bool holdsFocus(const UIView& view) {
-  const QWidget* focused = QApplication::focusWidget();
-  return focused && view.widget() &&
-         (view.widget() == focused || view.widget()->isAncestorOf(focused));
-}
-
 void reveal(const std::shared_ptr<UIView>& view) {
   for (auto above = view->superview(); above; above = above->superview()) {
     const auto scrollView = std::dynamic_pointer_cast<UIScrollView>(above);
@@ -225,24 +193,20 @@ void reveal(const std::shared_ptr<UIView>& view) {
 }  // namespace
 
 bool UIWindow::moveFocus(bool forward) {
+  if (isMoving()) return true;
   // What is presented last covers the rest.
-  std::vector<std::shared_ptr<UIView>> order;
-  for (auto top = subviews().rbegin(); top != subviews().rend(); ++top) {
-    if ((*top)->isHidden()) continue;
-    collectFocusable(*top, order);
-    break;
-  }
+  const auto top = std::find_if(subviews().rbegin(), subviews().rend(),
+                                [](const auto& each) { return !each->isHidden(); });
+  const auto order =
+      top == subviews().rend() ? std::vector<std::shared_ptr<UIView>>() : focusOrder(*top);
+  const auto focused = std::find(order.begin(), order.end(), focusedView());
   if (kind_ == Kind::inside) {
     // The host's own order goes on behind the ends.
-    const auto focused = std::find_if(order.begin(), order.end(),
-                                      [](const auto& view) { return holdsFocus(*view); });
     const bool leaves = order.empty() || (focused != order.end() &&
                                           focused == (forward ? order.end() - 1 : order.begin()));
     if (leaves) return false;
   }
   if (order.empty()) return kind_ != Kind::inside;
-  const auto focused =
-      std::find_if(order.begin(), order.end(), [](const auto& view) { return holdsFocus(*view); });
   const std::size_t count = order.size();
   std::size_t target = forward ? 0 : count - 1;
   if (focused != order.end()) {
@@ -254,17 +218,110 @@ bool UIWindow::moveFocus(bool forward) {
   return true;
 }
 
-void UIWindow::dropUnreachableFocus() {
-  if (!widget()) return;
+std::shared_ptr<UIView> UIWindow::focusedView() const {
+  if (!widget()) return nullptr;
   const QWidget* focused = widget()->window()->focusWidget();
-  while (focused && focused != widget() && !UIView::of(focused)) focused = focused->parentWidget();
-  const auto view = UIView::of(focused);
-  if (!view || view.get() == this || view->window().get() != this || view->isReachable()) return;
-  widget()->setFocus(Qt::OtherFocusReason);
+  if (!focused || !widget()->isAncestorOf(focused)) return nullptr;
+  auto view = UIView::of(focused);
+  for (; !view && focused; focused = focused->parentWidget()) view = UIView::of(focused);
+  return view.get() == this ? nullptr : view;
+}
+
+void UIWindow::resignFocus() {
+  if (widget()) widget()->setFocus(Qt::OtherFocusReason);
+}
+
+std::shared_ptr<const void> UIWindow::beginMotion(const std::shared_ptr<UIView>& area) {
+  resignFocus();
+  touches_->cancelIn(*area);
+  std::erase_if(motions_, [](const auto& each) { return each.expired(); });
+  auto motion = std::make_shared<const Motion>(Motion{area});
+  motions_.push_back(motion);
+  return motion;
+}
+
+bool UIWindow::isMoving() const {
+  return std::any_of(motions_.begin(), motions_.end(),
+                     [](const auto& each) { return !each.expired(); });
+}
+
+void UIWindow::contentChanged(const std::shared_ptr<UIView>& area) {
+  changedArea_ = area;
+  changedUntil_ = AnimationClock::shared().now() + kDoubleTapInterval;
+}
+
+void UIWindow::screenAppeared(const std::shared_ptr<UIView>& area,
+                              const std::weak_ptr<UIView>& last) {
+  if (isMoving() || !area->isReachable()) return;
+  contentChanged(area);
+  lastFocused_ = last;
+  settleFocus();
+}
+
+bool UIWindow::ignoresTouches(const UIView& view) const {
+  return std::any_of(motions_.begin(), motions_.end(), [&view](const auto& each) {
+    const auto motion = each.lock();
+    const auto area = motion ? motion->area.lock() : nullptr;
+    return area && view.isDescendant(*area);
+  });
+}
+
+bool UIWindow::ignoresTaps(const UIView& view) const {
+  if (AnimationClock::shared().now() >= changedUntil_) return false;
+  const auto area = changedArea_.lock();
+  return area && view.isDescendant(*area);
+}
+
+bool UIWindow::ignoresKey(std::string_view key) const {
+  if (isMoving()) return true;
+  if (key != "Return" && key != "Space") return false;
+  const auto focused = focusedView();
+  return focused && ignoresTaps(*focused);
+}
+
+void UIWindow::focus(const std::shared_ptr<UIView>& view) {
+  if (!view->widget()) return;
+  const bool byKeyboard = FocusRing::isKeyboardInUse();
+  view->widget()->setFocus(byKeyboard ? Qt::TabFocusReason : Qt::OtherFocusReason);
+  if (byKeyboard) reveal(view);
+}
+
+void UIWindow::focusPreferredView() {
+  const auto top = topViewController();
+  const auto view = top && !isMoving() ? top->contentScreen()->preferredFocusView() : nullptr;
+  if (view && view->isReachable()) focus(view);
+}
+
+void UIWindow::settleFocus() {
+  if (isMoving() || focusedView()) return;
+  const auto last = lastFocused_.lock();
+  lastFocused_.reset();
+  const auto* const control = dynamic_cast<const UIControl*>(last.get());
+  const bool canReturn = last && last->isReachable() && (!control || control->isEnabled());
+  if (canReturn) return focus(last);
+  focusPreferredView();
+}
+
+void UIWindow::modalityChanged() {
+  touches_->cancelUnreachable();
+  if (const auto focused = focusedView()) {
+    if (focused->isReachable()) return;
+    lastFocused_ = focused;
+    return resignFocus();
+  }
+  if (!widget()) return;
+  // Later, because the code that hides the modal view may go on to another screen.
+  QMetaObject::invokeMethod(
+      widget(),
+      [weak = std::weak_ptr<UIWindow>(shared(this))] {
+        if (const auto alive = weak.lock()) alive->settleFocus();
+      },
+      Qt::QueuedConnection);
 }
 
 bool UIWindow::keyPressed(const std::string& key) {
   if (key != "Escape" && key != "Back") return false;
+  if (isMoving()) return true;
   // From the innermost screen on top outwards.
   const auto top = topViewController();
   if (!top) return false;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/uikit/UIView.h"
 
@@ -55,11 +57,36 @@ class UIWindow : public UIView {
   bool keyPressed(const std::string& key) override;
 
   TouchDispatcher& touches() { return *touches_; }
-  // Gives the keyboard's focus to the next focusable view (the one before where not `forward`) of
-  // what is on top here, in reading order and round the end.
+  // Gives the keyboard's focus to the next focusable view, or to the previous one when `forward` is
+  // false, in what is on top here: in reading order and round the end. Does nothing during a
+  // motion.
   bool moveFocus(bool forward);
-  // Takes the focus from a view that is no longer reachable; no view has it then.
-  void dropUnreachableFocus();
+  // The view in this window that has the keyboard's focus or gets it when the desktop activates the
+  // window; null for none.
+  std::shared_ptr<UIView> focusedView() const;
+  // Takes the focus from every view of this window.
+  void resignFocus();
+
+  // Begins a motion of `area`: takes the focus from every view and cancels a touch in `area`. Until
+  // the result is released, the window ignores every key and `area` ignores touches.
+  [[nodiscard]] std::shared_ptr<const void> beginMotion(const std::shared_ptr<UIView>& area);
+  // Seconds for which new content ignores taps, Return and Space, because the second tap of a
+  // double tap is meant for what was there before.
+  static constexpr double kDoubleTapInterval = 0.4;
+  void contentChanged(const std::shared_ptr<UIView>& area);
+  // Gives the focus to the preferred view of the screen on top, wherever it is; does nothing during
+  // a motion.
+  void focusPreferredView();
+  // After a motion that has brought the screen in `area`: as contentChanged(). Unless a view has
+  // the focus already, it goes to `last` or, if that cannot take it, to the preferred view of the
+  // screen on top. Does nothing while `area` is covered or another motion is under way.
+  void screenAppeared(const std::shared_ptr<UIView>& area, const std::weak_ptr<UIView>& last = {});
+  bool ignoresTouches(const UIView& view) const;
+  bool ignoresTaps(const UIView& view) const;
+  bool ignoresKey(std::string_view key) const;
+  // A modal view has come or gone: takes touch and focus from what it covers, or gives the focus
+  // back soon.
+  void modalityChanged();
 
   // Whether keys that nobody here has used go on to the host's form.
   bool isInsideForm() const { return kind_ == Kind::inside; }
@@ -70,9 +97,15 @@ class UIWindow : public UIView {
  private:
   class HostWatch;
   class VisibilityWatch;
+  struct Motion {
+    std::weak_ptr<UIView> area;
+  };
 
   void visibilityChanged();
   void widgetLost() override;
+  bool isMoving() const;
+  void focus(const std::shared_ptr<UIView>& view);
+  void settleFocus();
 
   Kind kind_;
   std::unique_ptr<TouchDispatcher> touches_;
@@ -82,6 +115,12 @@ class UIWindow : public UIView {
   std::unique_ptr<FocusRing> focusRing_;
   std::shared_ptr<UIViewController> root_;
   std::weak_ptr<UIViewController> presentedForHost_;
+  std::vector<std::weak_ptr<const Motion>> motions_;
+  std::weak_ptr<UIView> changedArea_;
+  // The end of the double tap interval, in the animation clock's time.
+  double changedUntil_ = 0;
+  // The view that gets the focus back.
+  std::weak_ptr<UIView> lastFocused_;
 };
 
 }  // namespace kestrova::platform

@@ -59,6 +59,11 @@ void VerificationStart::navigationControllerWillShow(UINavigationController&,
   if (steps && step) steps->setCurrentStep(*step);
 }
 
+std::shared_ptr<UIViewController> VerificationStart::contentScreen() {
+  return children().empty() ? UIViewController::contentScreen()
+                            : children().front()->contentScreen();
+}
+
 void VerificationStart::exitVerification(const std::shared_ptr<UIControl>&) {
   dismiss(true);
 }

@@ -25,6 +25,7 @@ class VerificationStart : public UIViewController, public UINavigationController
                const std::shared_ptr<UIViewController>& sender) override;
   void navigationControllerWillShow(UINavigationController& navigation, UIViewController& screen,
                                     bool animated) override;
+  std::shared_ptr<UIViewController> contentScreen() override;
   // Ends the whole flow.
   void exitVerification(const std::shared_ptr<UIControl>& sender);
   bool accessibilityPerformEscape() override;

@@ -20,6 +20,11 @@ void WarningViewController::viewDidLoad() {
   if (button && !canTryAgain()) button->setTitle("Close");
 }
 
+// Enter must not leave the flow.
+std::shared_ptr<UIView> WarningViewController::preferredFocusView() {
+  return canTryAgain() ? UIViewController::preferredFocusView() : nullptr;
+}
+
 bool WarningViewController::canTryAgain() const {
   const auto navigation = navigationController();
   if (!navigation) return false;

@@ -19,6 +19,7 @@ class WarningViewController : public UIViewController {
 
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;
+  std::shared_ptr<UIView> preferredFocusView() override;
   void leaveTapped(const std::shared_ptr<UIControl>& sender);
 
  private:

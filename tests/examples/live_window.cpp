@@ -93,6 +93,8 @@ int main(int count, char** arguments) {
   const auto button = find<platform::UIButton>(page->view());
   const auto table = find<platform::UITableView>(page->view());
   QWindow* const window = widget.windowHandle();
+  // A page that has just come takes no taps at first.
+  if (!waitFor([&] { return !stage.window().ignoresTaps(*button); })) return fail("waited");
 
   tellPlace("button", *button);
   if (drives) QTest::mouseClick(window, Qt::LeftButton, {}, place(*button));

@@ -75,8 +75,12 @@ class PickerTest : public InterfaceOn<CameraTest> {
   // Until the shutter, or another button, can be pressed.
   std::shared_ptr<UIButton> waitForButton(std::string_view label) {
     std::shared_ptr<UIButton> found;
-    EXPECT_TRUE(waitFor([&] { return (found = usableButton(*picker->view(), label)) != nullptr; }))
-        << label << "\n"
+    EXPECT_TRUE(waitFor([&] {
+      // New buttons take no taps at first.
+      advance(0.1);
+      return (found = usableButton(*picker->view(), label)) != nullptr;
+    })) << label
+        << "\n"
         << accessibilityTree(window());
     return found;
   }

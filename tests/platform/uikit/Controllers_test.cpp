@@ -59,7 +59,7 @@ TEST_F(Controllers, TellAboutPushAndPopInThePlatformsOrder) {
   const auto c = screen("c");
   navigation->pushViewController(c, true);
   take();
-  QTest::keyClick(window->widget(), Qt::Key_Left, Qt::AltModifier);
+  navigation->popViewController(true);
   EXPECT_EQ(take(), (Calls{"b didDisappear", "c didAppear", "c willDisappear", "b willAppear"}));
   finishMotion();
   EXPECT_EQ(take(), (Calls{"c didDisappear", "b didAppear"}));

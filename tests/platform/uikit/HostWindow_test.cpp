@@ -239,6 +239,7 @@ TEST_F(HostWindow, MayGoInAnActionOfAButtonInIt) {
     button->setFrame({{20, 100}, {300, 52}});
     flow->view()->addSubview(button);
     button->addAction(UIControlEvents::touchUpInside, [&](const auto&) { own.reset(); });
+    advance(UIWindow::kDoubleTapInterval);
     if (byKey) {
       button->becomeFocused();
       QTest::keyClick(button->widget(), Qt::Key_Space);

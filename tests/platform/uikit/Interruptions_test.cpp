@@ -60,7 +60,7 @@ TEST_F(Interruptions, AnAlertMayShowAnotherOneThoughItIsLeftWhileItComes) {
       "OK", UIAlertActionStyle::standard, [&](UIAlertAction&) { base->present(second, true); }));
   base->present(first, true);
   advance(0.05);
-  QTest::keyClick(window().widget(), Qt::Key_Escape);
+  first->escape();
   finishMotion();
   finishMotion();
   EXPECT_EQ(base->presentedViewController(), second);

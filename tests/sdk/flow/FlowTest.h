@@ -69,7 +69,8 @@ class FlowTest : public InterfaceOn<BackendTest> {
     EXPECT_TRUE(made);
     const auto screen = std::dynamic_pointer_cast<Screen>(made.value());
     navigation()->pushViewController(screen, false);
-    settle();
+    // A screen that has just come takes no taps.
+    finishMotion();
     return screen;
   }
 

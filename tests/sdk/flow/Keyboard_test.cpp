@@ -31,6 +31,10 @@ class Keyboard : public test::CaptureFlowTest {
     }
     return "";
   }
+  void tabTo(std::string_view name) {
+    for (int step = 0; step < 20 && focused() != name; ++step) press(Qt::Key_Tab);
+    ASSERT_EQ(focused(), name);
+  }
   std::string tree() const { return accessibilityTree(flowWindow()); }
 };
 
@@ -90,6 +94,106 @@ TEST_F(Keyboard, TypesNothingUnderTheVeilOfTheEmailScreen) {
   click(flowWindow(), {345, 28});
   finishMotion();
   EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+}
+
+TEST_F(Keyboard, KeepsFocusOnNextScreenAfterPush) {
+  start();
+  const auto nationality = top<ChooseCitizenViewController>();
+  EXPECT_EQ(focused(), nationality->countryTextfield.lock()->accessibilityLabel());
+  EXPECT_FALSE(nationality->countryTextfield.lock()->isEditing());
+  press(Qt::Key_Down);
+  finishMotion();
+  for (const auto key : {Qt::Key_Down, Qt::Key_Return}) press(key);
+  finishMotion();
+  tabTo("Next");
+  press(Qt::Key_Return);
+  ASSERT_TRUE(waitFor([&] { return top<CheckEmailViewController>() != nullptr; }));
+  // In the middle of the motion no key does anything.
+  advance(0.1);
+  EXPECT_EQ(focused(), "");
+  for (const auto key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Escape}) press(key);
+  press(Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(focused(), "");
+  finishMotion();
+  const auto email = top<CheckEmailViewController>();
+  ASSERT_TRUE(email);
+  const auto field = email->emailTextfield.lock();
+  EXPECT_EQ(focused(), field->accessibilityLabel());
+  EXPECT_FALSE(email->startButton.lock()->isEnabled());
+  // The caret is there before the first letter, and the first letter counts.
+  const QImage withCaret = picture(*field);
+  QTest::keyClicks(QApplication::focusWidget(), "ada@example.com");
+  EXPECT_EQ(field->text(), "ada@example.com");
+  press(Qt::Key_Return);
+  ASSERT_TRUE(waitForTop<MoveHeadViewController>());
+  EXPECT_EQ(focused(), "Start");
+
+  // A screen that comes back has its focus too.
+  press(Qt::Key_Left, Qt::AltModifier);
+  finishMotion();
+  ASSERT_EQ(top<CheckEmailViewController>(), email);
+  EXPECT_EQ(focused(), field->accessibilityLabel());
+  field->setText("");
+  host().setFocus();
+  EXPECT_NE(picture(*field), withCaret);
+}
+
+TEST_F(Keyboard, NeverGivesTheFocusToTheWayOut) {
+  start();
+  const auto nationality = top<ChooseCitizenViewController>();
+  nationality->selectedCountryCode = "de";
+  nationality->chooseButton.lock()->setEnabled(true);
+  Kestrova::apiKey.reset();
+  tabTo("Next");
+  for (int time = 0; time < 3; ++time) press(Qt::Key_Return);
+  ASSERT_TRUE(waitForTop<WarningViewController>());
+  EXPECT_EQ(focused(), "Try again");
+  for (int time = 0; time < 3; ++time) press(Qt::Key_Return);
+  finishMotion();
+  EXPECT_EQ(top<ChooseCitizenViewController>(), nationality);
+  // Here the only button of the warning leaves the flow.
+  push<MoveHeadViewController>("MoveHead");
+  push<WarningViewController>("Warning");
+  EXPECT_EQ(focused(), "");
+  press(Qt::Key_Return);
+  finishMotion();
+  EXPECT_TRUE(top<WarningViewController>());
+}
+
+TEST_F(Keyboard, IgnoresTheSecondTapOfADoubleTap) {
+  start();
+  const auto front = push<ScanIDInstructionsViewController>("ScanIDInstructions");
+  const auto takePhoto = usableButton(*front->view(), "Take photo");
+  click(*takePhoto);
+  ASSERT_EQ(front->presentedViewController(), front->mediaUI);
+  const auto tapEverywhere = [&] {
+    for (double y = 20; y < 660; y += 20) {
+      for (double x = 20; x < 375; x += 20) click(flowWindow(), {x, y});
+    }
+  };
+  // Until 0.7 s: the motion takes 0.35 s.
+  for (int step = 0; step < 7; ++step) {
+    tapEverywhere();
+    for (const auto key : {Qt::Key_Return, Qt::Key_Space}) press(key);
+    advance(0.1);
+  }
+  ASSERT_EQ(front->presentedViewController(), front->mediaUI);
+  tap(*front->mediaUI, "Take photo");
+  ASSERT_TRUE(watchUntil([&] { return shows("Use photo"); }));
+  EXPECT_EQ(focused(), "Use photo");
+  press(Qt::Key_Return);
+  EXPECT_TRUE(shows("Use photo"));
+  tap(*front->mediaUI, "Retake");
+  tap(*front->mediaUI, "Cancel");
+  advance(0.4);
+  ASSERT_EQ(front->presentedViewController(), nullptr);
+  EXPECT_EQ(focused(), "Take photo");
+  click(*takePhoto);
+  press(Qt::Key_Return);
+  EXPECT_EQ(front->presentedViewController(), nullptr);
+  advance(0.4);
+  press(Qt::Key_Return);
+  EXPECT_EQ(front->presentedViewController(), front->mediaUI);
 }
 
 }  // namespace

@@ -109,6 +109,7 @@ TEST_F(Button, StartsFromItsOwnScreenElseFromTheContainer) {
   EXPECT_EQ(output.lines().front(), "Kestrova API key is: Optional(\"key\")");
   EXPECT_TRUE(screen->presentedViewController());
   screen->dismiss(false);
+  advance(1);
 
   QWidget elsewhere;
   elsewhere.resize(400, 700);
