@@ -158,6 +158,7 @@ void ModalPresentation::show(bool animated, std::function<void()> completion) {
   if (coversPresenter()) presenter->beginAppearance(false, animated);
   presented_->beginAppearance(true, animated);
   if (!window->widget()) return abandon();
+  if (isDown_) return;
 
   const CGRect place = stage_->place();
   if (!animated || !window->widget()->isVisible()) {
@@ -238,16 +239,16 @@ void ModalPresentation::dismiss(bool animated, std::function<void()> completion)
 }
 
 void ModalPresentation::takeAwayAbove() {
-  const auto above = presented_->presentation_;
-  if (!above) return;
-  if (const auto moving = above->transition_) moving->finish();
-  if (above->isDown_) return;
-  above->isBeingDismissed_ = true;
-  above->presented_->beginAppearance(false, false);
-  above->takeAwayAbove();
-  above->takeAway();
-  above->presented_->endAppearance();
-  above->runPending();
+  while (const auto above = presented_->presentation_) {
+    if (const auto moving = above->transition_) moving->finish();
+    if (above->isDown_) continue;
+    above->isBeingDismissed_ = true;
+    above->presented_->beginAppearance(false, false);
+    above->takeAwayAbove();
+    above->takeAway();
+    above->presented_->endAppearance();
+    above->runPending();
+  }
 }
 
 // The screen leaves the window and its presenter's hands.
@@ -302,6 +303,9 @@ void ModalPresentation::whenStill(std::function<void()> block) {
 void ModalPresentation::runPending() {
   const auto pending = std::exchange(pending_, {});
   for (const auto& block : pending) block();
+  if (!isDown_) return;
+  const auto afterwards = std::exchange(afterwards_, {});
+  for (const auto& block : afterwards) block();
 }
 
 }  // namespace kestrova::platform

@@ -48,6 +48,8 @@ class ModalPresentation : public std::enable_shared_from_this<ModalPresentation>
   void abandon();
   // Runs when the motion under way has ended, at once where there is none.
   void whenStill(std::function<void()> block);
+  // Runs when the screen has gone.
+  void whenGone(std::function<void()> block) { afterwards_.push_back(std::move(block)); }
 
  private:
   class Stage;
@@ -72,6 +74,7 @@ class ModalPresentation : public std::enable_shared_from_this<ModalPresentation>
   std::shared_ptr<Stage> stage_;
   std::shared_ptr<Transition> transition_;
   std::vector<std::function<void()>> pending_;
+  std::vector<std::function<void()>> afterwards_;
   std::shared_ptr<const void> motion_;
   // The focus before: of a host's window, or the view in a window of ours.
   std::function<void()> restoreHostFocus_;

@@ -236,6 +236,10 @@ void UIViewController::dismiss(bool animated, std::function<void()> completion) 
   if (own) own->dismiss(animated, std::move(completion));
 }
 
+void UIViewController::endPresentation(bool animated) {
+  if (const auto own = root().presentedBy_.lock()) own->dismiss(animated, {});
+}
+
 bool UIViewController::isVisibleTop() const {
   if (!isAppearing_) return false;
   const auto navigation = navigationController();
@@ -257,9 +261,8 @@ void UIViewController::performSegue(std::string_view withIdentifier,
   if (!scene || way == scene->segues.end()) {
     return print("Kestrova: the screen has no segue \"" + identifier + "\"");
   }
-  const auto above = root().presentation_;
-  if (above && above->isBeingDismissed()) {
-    above->whenStill([weak = std::weak_ptr<UIViewController>(self), identifier, sender] {
+  if (const auto above = root().presentation_) {
+    above->whenGone([weak = std::weak_ptr<UIViewController>(self), identifier, sender] {
       if (const auto alive = weak.lock()) alive->performSegue(identifier, sender);
     });
     return;

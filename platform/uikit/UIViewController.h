@@ -84,11 +84,14 @@ class KESTROVA_EXPORT UIViewController : public UIResponder {
   // Takes away what this screen presents, with all that is presented above; where it presents
   // nothing, asks its presenter to take away this screen. Without either nothing happens.
   void dismiss(bool animated, std::function<void()> completion = {});
+  // Takes away the presentation that this screen belongs to, with all that is presented above it,
+  // whatever is coming or going there. Nothing happens without one.
+  void endPresentation(bool animated);
 
   // Goes the storyboard's way of that name: the destination is made, prepare() is called, and it is
   // pushed or presented. Dropped with one line where this screen's scene has no such segue or where
-  // it is not the visible top of its stack; waits while what this screen presents is being
-  // dismissed. `sender` is this screen.
+  // it is not the visible top of its stack; waits while this screen presents another one, and
+  // until that has gone. `sender` is this screen.
   void performSegue(std::string_view withIdentifier,
                     const std::shared_ptr<UIViewController>& sender);
   virtual void prepare(const UIStoryboardSegue&,

@@ -254,7 +254,7 @@ bool ChooseCitizenViewController::gestureRecognizerShouldReceive(UIGestureRecogn
 }
 
 void ChooseCitizenViewController::exitVerification(const std::shared_ptr<UIControl>&) {
-  dismiss(true);
+  endPresentation(true);
 }
 
 void ChooseCitizenViewController::startButton(const std::shared_ptr<UIControl>&) {

@@ -47,7 +47,7 @@ void CongratsViewController::viewWillDisappear(bool animated) {
 }
 
 void CongratsViewController::finishTapped(const std::shared_ptr<UIControl>&) {
-  if (const auto navigation = navigationController()) navigation->dismiss(true);
+  if (const auto navigation = navigationController()) navigation->endPresentation(true);
 }
 
 }  // namespace kestrova

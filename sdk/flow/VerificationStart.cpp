@@ -65,11 +65,11 @@ std::shared_ptr<UIViewController> VerificationStart::contentScreen() {
 }
 
 void VerificationStart::exitVerification(const std::shared_ptr<UIControl>&) {
-  dismiss(true);
+  endPresentation(true);
 }
 
 bool VerificationStart::accessibilityPerformEscape() {
-  dismiss(true);
+  endPresentation(true);
   return true;
 }
 

@@ -41,7 +41,7 @@ void WarningViewController::leaveTapped(const std::shared_ptr<UIControl>&) {
   if (canTryAgain()) {
     navigationController()->popViewController(true);
   } else {
-    dismiss(true);
+    endPresentation(true);
   }
 }
 

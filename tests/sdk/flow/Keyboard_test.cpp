@@ -6,6 +6,7 @@
 #include "platform/uikit/UITextField.h"
 #include "sdk/flow/CheckEmailViewController.h"
 #include "sdk/flow/ChooseCitizenViewController.h"
+#include "tests/platform/uikit/Finger.h"
 #include "tests/sdk/capture/CaptureFlowTest.h"
 
 namespace kestrova {
@@ -194,6 +195,56 @@ TEST_F(Keyboard, IgnoresTheSecondTapOfADoubleTap) {
   advance(0.4);
   press(Qt::Key_Return);
   EXPECT_EQ(front->presentedViewController(), front->mediaUI);
+}
+
+TEST_F(Keyboard, ClosesTheWholeFlowUnderAnAlertOrACamera) {
+  device->refusal = cameraError(CameraErrorCode::notPermitted, "scripted");
+  start();
+  const auto selfie = push<MoveHeadViewController>("MoveHead");
+  // The pointer is down on Close as the alert comes.
+  test::Finger onClose(flowWindow(), {345, 28});
+  press(Qt::Key_Space);
+  ASSERT_TRUE(watchUntil([&] { return selfie->presentedViewController() != nullptr; }));
+  onClose.release();
+  finishMotion();
+  EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+
+  device->refusal.reset();
+  for (const bool isLeaving : {false, true}) {
+    start();
+    const auto front = push<ScanIDInstructionsViewController>("ScanIDInstructions");
+    test::Finger finger(flowWindow(), {345, 28});
+    press(Qt::Key_Space);
+    ASSERT_EQ(front->presentedViewController(), front->mediaUI);
+    if (isLeaving) {
+      finishMotion();
+      press(Qt::Key_Escape);
+    }
+    advance(0.1);
+    finger.release();
+    finishMotion();
+    EXPECT_EQ(wrapper->presentedViewController(), nullptr) << isLeaving;
+  }
+}
+
+TEST_F(Keyboard, GoesOnWhenTheAlertOverAScreenHasGone) {
+  start();
+  const auto email = push<CheckEmailViewController>("CheckEmail");
+  click(*email->emailTextfield.lock());
+  QTest::keyClicks(QApplication::focusWidget(), "ada@example.com");
+  play("slow-bytes@signup:once");
+  press(Qt::Key_Return);
+  const auto alert = std::make_shared<UIAlertController>("Title", "Text");
+  alert->addAction(std::make_shared<UIAlertAction>("OK", UIAlertActionStyle::standard));
+  email->present(alert, true);
+  finishMotion();
+  ASSERT_TRUE(waitFor([&] { return !linesThatBegin("singup response: [").empty(); }));
+  EXPECT_EQ(top<CheckEmailViewController>(), email);
+  EXPECT_EQ(focused(), "OK");
+  press(Qt::Key_Return);
+  finishMotion();
+  ASSERT_TRUE(waitForTop<MoveHeadViewController>());
+  EXPECT_EQ(focused(), "Start");
 }
 
 }  // namespace
