@@ -40,6 +40,12 @@ std::u16string_view view(const QString& text) {
   return {reinterpret_cast<const char16_t*>(text.utf16()), std::size_t(text.size())};
 }
 
+// False under a Wayland compositor without a seat, where Qt 6.4 dereferences the missing seat in
+// every call of its input method. A compositor gives windows the focus only by a seat.
+bool hasInputMethod() {
+  return QGuiApplication::focusWindow() || !QGuiApplication::platformName().startsWith("wayland");
+}
+
 // A line has no breaks: what a paste brings becomes blanks.
 QString onOneLine(QString text) {
   text.replace(QLatin1String("\r\n"), QLatin1String(" "));
@@ -389,7 +395,7 @@ bool UITextField::becomeFirstResponder() {
   }
   if (const auto told = delegate.lock()) told->textFieldDidBeginEditing(*this);
   if (isEditing_) sendActions(UIControlEvents::editingDidBegin);
-  if (isEditing_) QGuiApplication::inputMethod()->show();
+  if (isEditing_ && hasInputMethod()) QGuiApplication::inputMethod()->show();
   return isEditing_;
 }
 
@@ -404,7 +410,9 @@ bool UITextField::endEditing(bool force) {
   if (!isEditing_) return true;
   const auto self = shared(this);
   // What is being composed belongs to the text.
-  if (editor_ && editor_->hasFocus()) QGuiApplication::inputMethod()->commit();
+  if (editor_ && editor_->hasFocus() && hasInputMethod()) {
+    QGuiApplication::inputMethod()->commit();
+  }
   if (const auto asked = delegate.lock(); asked && isEditing_ && !isAsking_) {
     isAsking_ = true;
     const bool may = asked->textFieldShouldEndEditing(*this);
@@ -418,7 +426,7 @@ bool UITextField::endEditing(bool force) {
   if (editor_) editor_->deselect();
   if (const auto told = delegate.lock()) told->textFieldDidEndEditing(*this);
   sendActions(UIControlEvents::editingDidEnd);
-  if (!edited()) QGuiApplication::inputMethod()->hide();
+  if (!edited() && hasInputMethod()) QGuiApplication::inputMethod()->hide();
   return true;
 }
 
