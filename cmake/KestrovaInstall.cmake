@@ -8,7 +8,7 @@ include(CMakePackageConfigHelpers)
 set(public_headers
     platform/capture/CameraConfiguration.h platform/capture/CameraSource.h
     platform/liveness/DevelopmentEngine.h platform/liveness/LivenessEngine.h
-    platform/uikit/UIApplication.h platform/uikit/UIViewController.h
+    platform/uikit/UIApplication.h platform/uikit/UINib.h platform/uikit/UIViewController.h
     sdk/core/Kestrova.h sdk/ui/KestrovaButton.h sdk/ui/KestrovaButtonPlaceholder.h)
 set(headers "")
 while(public_headers)

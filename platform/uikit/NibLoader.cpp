@@ -109,7 +109,9 @@ std::shared_ptr<UIView> NibLoader::load(NibFaults& faults) {
   }
   if (owner_) owner_->setActions(std::move(ownerBindings_.actions));
   auto first = objects_.front().view;
-  first->setActions(std::move(objects_.front().bindings.actions));
+  if (!objects_.front().isReplaced) {
+    first->setActions(std::move(objects_.front().bindings.actions));
+  }
   // The form has superviews before their subviews.
   for (auto object = objects_.rbegin(); object != objects_.rend(); ++object) {
     // What a view has put in its own place comes from elsewhere, awake.
@@ -158,6 +160,8 @@ void NibLoader::replaceThemselves() {
     exchange(*before, now);
     object->view = now;
     object->isReplaced = true;
+    // The replacement came connected; these lead into the placeholder, which has gone.
+    object->bindings = {};
   }
   // What was in a view that has gone is gone too.
   std::erase_if(objects_, [this](const Object& object) {

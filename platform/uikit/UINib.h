@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/foundation/Bundle.h"
+#include "platform/foundation/Export.h"
 #include "platform/foundation/Result.h"
 
 namespace kestrova::platform {
@@ -24,7 +25,7 @@ class UINib {
   // New objects: one, the top view, whose own outlets and actions are connected, and those of the
   // owner where there is one. One error for all that is wrong, also for a nib that comes up while
   // it is itself being loaded.
-  Result<std::vector<std::shared_ptr<UIView>>> instantiate(
+  KESTROVA_EXPORT Result<std::vector<std::shared_ptr<UIView>>> instantiate(
       const std::shared_ptr<UIResponder>& withOwner = nullptr) const;
 
  private:

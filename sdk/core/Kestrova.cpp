@@ -63,6 +63,8 @@ std::optional<std::string> Kestrova::email;
 void Kestrova::initialize(std::string key) {
   apiKey = std::move(key);
   UIFontExtensions::loadMyFonts();
+  // A host's nib may name the button.
+  registerFlowClasses();
 }
 
 void Kestrova::startVerification(const std::shared_ptr<UIViewController>& from) {

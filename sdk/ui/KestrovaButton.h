@@ -15,9 +15,9 @@ class UIViewController;
 
 namespace kestrova {
 
-// The ready-made button that starts a verification. In a host's storyboard or nib it is an empty
-// view of this class, whose place the designed button takes; a form of the toolkit has a
-// KestrovaButtonPlaceholder. Main thread.
+// The ready-made button that starts a verification. In a host's nib, which UINib loads after
+// Kestrova::initialize(), it is an empty view of this class; the designed button takes its place. A
+// form of the toolkit has a KestrovaButtonPlaceholder. Main thread.
 class KESTROVA_EXPORT KestrovaButton : public UIButton {
  public:
   using StartFailureHandler = std::function<void(const KestrovaError& error)>;

@@ -99,6 +99,22 @@ TEST_F(Button, TakesThePlaceOfAnEmptyOneInAHostsNib) {
   EXPECT_EQ(output.lines(), Lines{"Super view and container are both nil."});
 }
 
+TEST_F(Button, TakesThePlaceOfAnEmptyOneThatIsANibsFirstObject) {
+  const test::TemporaryDirectory folder;
+  std::ofstream(folder.path() / "Host.ui")
+      << R"(<ui version="4.0"><widget class="KestrovaButton" name="Host"/></ui>)";
+  const auto host = UINib("Host", *Bundle::at(folder.path())).instantiate();
+  ASSERT_TRUE(host) << host.error().localizedDescription;
+  const auto button = std::dynamic_pointer_cast<KestrovaButton>(host.value().front());
+  ASSERT_TRUE(button);
+  ASSERT_TRUE(button->label.lock());
+  EXPECT_EQ(button->label.lock()->font(), UIFont::make("Exo-SemiBold", 17));
+  place(host.value().front(), {{}, {375, 52}});
+  const test::StandardOutput output;
+  click(*button);
+  EXPECT_EQ(output.lines(), Lines{"Super view and container are both nil."});
+}
+
 TEST_F(Button, StartsFromItsOwnScreenElseFromTheContainer) {
   Kestrova::initialize("key");
   const auto screen = screenWith(designed());
