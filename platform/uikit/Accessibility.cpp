@@ -7,6 +7,7 @@
 #include <QtWidgets/QLineEdit>
 
 #include "platform/uikit/AccessibleView.h"
+#include "platform/uikit/HostAccessibility.h"
 #include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIControl.h"
 #include "platform/uikit/UITextField.h"
@@ -22,7 +23,7 @@ struct RoleName {
   const char* name;
 };
 
-constexpr std::array<RoleName, 11> kRoles{{
+constexpr std::array<RoleName, 12> kRoles{{
     {UIAccessibilityRole::none, QAccessible::Grouping, "group"},
     {UIAccessibilityRole::staticText, QAccessible::StaticText, "text"},
     {UIAccessibilityRole::header, QAccessible::Heading, "header"},
@@ -34,6 +35,7 @@ constexpr std::array<RoleName, 11> kRoles{{
     {UIAccessibilityRole::listItem, QAccessible::ListItem, "list item"},
     {UIAccessibilityRole::busy, QAccessible::Animation, "busy"},
     {UIAccessibilityRole::alert, QAccessible::AlertMessage, "alert"},
+    {UIAccessibilityRole::dialog, QAccessible::Dialog, "dialog"},
 }};
 
 bool isOneObject(UIAccessibilityRole role) {
@@ -94,14 +96,13 @@ class ViewObject : public QAccessibleWidget {
 
   virtual std::shared_ptr<UIView> view() const { return UIView::of(widget()); }
 
-  bool isValid() const override { return QAccessibleWidget::isValid() && view(); }
-
   QAccessible::Role role() const override {
     const auto of = view();
     if (!of) return QAccessible::NoRole;
     if (const auto* const window = dynamic_cast<const UIWindow*>(of.get())) {
       if (widget()->isWindow()) return QAccessible::Window;
-      return window->isInsideForm() ? QAccessible::Grouping : QAccessible::Dialog;
+      // A covering window has the focus during a motion and is not spoken; the dialogs in it are.
+      return window->isInsideForm() ? QAccessible::Grouping : QAccessible::Client;
     }
     const auto role = of->accessibilityRole();
     const auto* const found = std::find_if(kRoles.begin(), kRoles.end(),
@@ -112,6 +113,9 @@ class ViewObject : public QAccessibleWidget {
   QString text(QAccessible::Text kind) const override {
     const auto of = view();
     if (of && kind == QAccessible::Value) return QString::fromStdString(of->accessibilityValue());
+    if (of && kind == QAccessible::Description && !of->accessibilityHint().empty()) {
+      return QString::fromStdString(of->accessibilityHint());
+    }
     if (!of || kind != QAccessible::Name) return QAccessibleWidget::text(kind);
     const std::string label = of->accessibilityLabel();
     return label.empty() ? QAccessibleWidget::text(kind) : QString::fromStdString(label);
@@ -124,13 +128,17 @@ class ViewObject : public QAccessibleWidget {
     if (const auto* const control = dynamic_cast<const UIControl*>(of.get())) {
       state.disabled = !control->isEnabled();
     }
-    state.focusable = of->isFocusable() && !state.disabled && of->isReachable();
+    if (!of->isReachable()) state.invisible = true;
+    state.focusable = of->isFocusable() && !state.disabled && !state.invisible;
     state.selectable = of->accessibilityRole() == UIAccessibilityRole::listItem;
+    const auto isExpanded = of->isAccessibilityExpanded();
+    state.expandable = isExpanded.has_value();
+    state.expanded = isExpanded == true;
+    state.collapsed = isExpanded == false;
     state.selected = of->isAccessibilitySelected();
     state.busy = of->accessibilityRole() == UIAccessibilityRole::busy;
-    // What lies below cannot be used meanwhile, the host's own widgets among it.
-    const auto* const window = dynamic_cast<const UIWindow*>(of.get());
-    state.modal = window && !window->isInsideForm() && !widget()->isWindow();
+    const auto role = of->accessibilityRole();
+    state.modal = role == UIAccessibilityRole::dialog || role == UIAccessibilityRole::alert;
     return state;
   }
 
@@ -258,8 +266,9 @@ class FieldObject : public ViewObject,
 
 QAccessibleInterface* make(const QString&, QObject* object) {
   auto* const widget = qobject_cast<QWidget*>(object);
+  if (!widget || !UIView::of(widget)) return HostAccessibility::standIn(object);
   // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the toolkit takes it over.
-  return widget && UIView::of(widget) ? new ViewObject(*widget) : nullptr;
+  return new ViewObject(*widget);
 }
 
 void tell(const UIView& view, QAccessible::Event kind) {
@@ -272,7 +281,7 @@ void tell(const UIView& view, QAccessible::Event kind) {
 }
 
 std::string nameOf(QAccessible::Role role) {
-  if (role == QAccessible::Window || role == QAccessible::Dialog) return "window";
+  if (role == QAccessible::Window || role == QAccessible::Client) return "window";
   const auto* const found = std::find_if(kRoles.begin(), kRoles.end(),
                                          [role](const auto& each) { return each.native == role; });
   return found == kRoles.end() ? "object" : found->name;
@@ -291,6 +300,7 @@ void write(QAccessibleInterface& object, int level, std::string& lines) {
   if (!value.isEmpty()) lines += " value" + quoted(value);
   if (state.disabled) lines += " disabled";
   if (state.selected) lines += " selected";
+  if (state.expandable) lines += state.expanded ? " expanded" : " collapsed";
   if (state.focusable) lines += " focusable";
   if (state.focused) lines += " focused";
   lines += '\n';
@@ -316,6 +326,10 @@ void AccessibleView::registerEditor(QWidget& lineEdit) {
 
 void AccessibleView::nameChanged(const UIView& view) {
   tell(view, QAccessible::NameChanged);
+}
+
+void AccessibleView::focusGained(const UIView& view) {
+  tell(view, QAccessible::Focus);
 }
 
 void AccessibleView::stateChanged(const UIView& view) {

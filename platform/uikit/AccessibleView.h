@@ -16,6 +16,7 @@ struct AccessibleView {
   // Tells assistive technology, where there is any, that the view's name or state is another.
   static void nameChanged(const UIView& view);
   static void stateChanged(const UIView& view);
+  static void focusGained(const UIView& view);
 };
 
 }  // namespace kestrova::platform

@@ -148,6 +148,7 @@ DesignerProperties::Outcome DesignerProperties::apply(const DesignerProperty& pr
       {"focusable", on(anyView, &Value::flag, &View::setFocusable)},
       {"accessibilityViewIsModal", on(anyView, &Value::flag, &View::setAccessibilityViewIsModal)},
       {"accessibleName", on(anyView, &Value::string, &View::setAccessibilityLabel)},
+      {"accessibleDescription", on(anyView, &Value::string, &View::setAccessibilityHint)},
       {"accessibilityRole", on(anyView, &Value::role, &View::setAccessibilityRole)},
       {"enabled", on(static_cast<UIControl*>(nullptr), &Value::flag, &UIControl::setEnabled)},
 

@@ -52,11 +52,29 @@ double ModalPresentation::cornerRadiusOf(const UIView& view) {
   return CGRect{view.convert({}, nullptr), view.bounds().size} == place ? kCardRadius : 0;
 }
 
-// The ground of a presentation: dims what lies below beside a card, and holds the screen.
+namespace {
+
+// The first visible view of that role in `view`; null where there is none.
+const UIView* viewOfRole(const UIView& view, UIAccessibilityRole role) {
+  if (view.isHidden()) return nullptr;
+  if (view.accessibilityRole() == role) return &view;
+  for (const auto& subview : view.subviews()) {
+    if (const UIView* const found = viewOfRole(*subview, role)) return found;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+// The ground of a presentation: dims what lies below beside a card, and holds the screen. It is a
+// dialog for assistive technology, named after the heading that shows.
 class ModalPresentation::Stage : public UIView {
  public:
   void setScreen(const std::shared_ptr<UIView>& screen) {
     screen_ = screen;
+    // An alert is one itself.
+    const bool isAlert = viewOfRole(*screen, UIAccessibilityRole::alert) != nullptr;
+    setAccessibilityRole(isAlert ? UIAccessibilityRole::none : UIAccessibilityRole::dialog);
     screen->setAutoresizing(UIViewAutoresizing::none, {});
     addSubview(screen);
     setNeedsLayout();
@@ -71,6 +89,15 @@ class ModalPresentation::Stage : public UIView {
   void setShare(double share) {
     share_ = share;
     setNeedsDisplay();
+  }
+
+  std::string accessibilityLabel() const override {
+    const auto screen = screen_.lock();
+    if (!screen || accessibilityRole() != UIAccessibilityRole::dialog) return {};
+    const UIView* const heading = viewOfRole(*screen, UIAccessibilityRole::header);
+    if (heading) return heading->accessibilityLabel();
+    const auto controller = screen->viewController();
+    return controller && !screen->isHidden() ? controller->accessibilityTitle() : std::string();
   }
 
   bool isCard() const { return !isWhole && isCardIn(bounds().size); }

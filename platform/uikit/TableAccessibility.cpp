@@ -5,6 +5,7 @@
 
 #include <QtGui/QAccessible>
 #include <QtWidgets/QAccessibleWidget>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
 #include "platform/uikit/UITableView.h"
@@ -29,7 +30,10 @@ class Row final : public QAccessibleInterface, public QAccessibleActionInterface
  public:
   Row(QWidget& widget, std::size_t row) : widget_(&widget), row_(row) {}
 
-  bool isValid() const override {
+  // The toolkit prints a line for each use of an object that is not valid. A row that has gone is
+  // still known to assistive technology for a while, so it stays and shows nothing.
+  bool isValid() const override { return true; }
+  bool exists() const {
     const auto table = tableOf(widget_);
     return table && row_ < table->accessibilityRowCount();
   }
@@ -45,13 +49,13 @@ class Row final : public QAccessibleInterface, public QAccessibleActionInterface
   QAccessible::Role role() const override { return QAccessible::ListItem; }
 
   QString text(QAccessible::Text kind) const override {
-    if (kind != QAccessible::Name || !isValid()) return {};
+    if (kind != QAccessible::Name || !exists()) return {};
     return QString::fromStdString(tableOf(widget_)->accessibilityRowLabel(row_));
   }
   void setText(QAccessible::Text, const QString&) override {}
 
   QRect rect() const override {
-    if (!isValid()) return {};
+    if (!exists()) return {};
     const auto table = tableOf(widget_);
     const CGRect rect = table->accessibilityRowRect(row_);
     const CGPoint origin = table->contentOffset();
@@ -62,8 +66,8 @@ class Row final : public QAccessibleInterface, public QAccessibleActionInterface
 
   QAccessible::State state() const override {
     QAccessible::State state;
-    if (!isValid()) {
-      state.invalid = true;
+    if (!exists()) {
+      state.invisible = true;
       return state;
     }
     const auto table = tableOf(widget_);
@@ -80,9 +84,11 @@ class Row final : public QAccessibleInterface, public QAccessibleActionInterface
     return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
                                                 : nullptr;
   }
-  QStringList actionNames() const override { return {pressAction()}; }
+  QStringList actionNames() const override {
+    return exists() ? QStringList{pressAction()} : QStringList();
+  }
   void doAction(const QString& name) override {
-    if (name != pressAction() || !isValid()) return;
+    if (name != pressAction() || !exists()) return;
     const auto table = tableOf(widget_);
     if (table->isReachable()) table->accessibilityActivateRow(row_);
   }
@@ -134,7 +140,7 @@ class Table final : public QAccessibleWidget {
   QAccessibleInterface* focusChild() const override {
     const auto table = tableOf(widget());
     const auto row = table ? table->accessibilityFocusedRow() : std::nullopt;
-    return row && table->isFocused() ? child(int(*row)) : nullptr;
+    return row ? child(int(*row)) : nullptr;
   }
 
  private:
@@ -167,7 +173,14 @@ void TableAccessibility::selectionChanged(UITableView& table, std::size_t row) {
 }
 
 void TableAccessibility::focusChanged(UITableView& table, std::size_t row) {
-  if (table.isFocused()) tell(table, QAccessible::Focus, row);
+  tell(table, QAccessible::Focus, row);
+}
+
+void TableAccessibility::focusLost(UITableView& table) {
+  QWidget* const focused = QApplication::focusWidget();
+  if (!QAccessible::isActive() || !table.widget() || !focused) return;
+  QAccessibleEvent event(focused, QAccessible::Focus);
+  QAccessible::updateAccessibility(&event);
 }
 
 }  // namespace kestrova::platform

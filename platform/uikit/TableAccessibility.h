@@ -15,7 +15,11 @@ class TableAccessibility {
 
   static void rowsChanged(UITableView& table);
   static void selectionChanged(UITableView& table, std::size_t row);
+  // Assistive technology follows the row also where a field moves it and keeps the keyboard's
+  // focus.
   static void focusChanged(UITableView& table, std::size_t row);
+  // No row is marked any more: assistive technology goes back to what has the keyboard's focus.
+  static void focusLost(UITableView& table);
 };
 
 }  // namespace kestrova::platform

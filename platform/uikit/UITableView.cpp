@@ -83,6 +83,7 @@ void UITableView::load() {
   selected_.reset();
   // The cells on screen are used again for the rows in the same order.
   for (const auto& [row, cell] : std::exchange(shown_, {})) pool_.put(cell);
+  const bool wasMarked = accessibilityFocusedRow().has_value();
   if (rows_.count() == 0 || !isFocused()) {
     focused_.reset();
     showsFocus_ = false;
@@ -94,6 +95,7 @@ void UITableView::load() {
   isAsking_ = false;
   showRows();
   TableAccessibility::rowsChanged(*this);
+  if (wasMarked && !focused_) TableAccessibility::focusLost(*this);
 }
 
 void UITableView::didScroll() {
@@ -309,6 +311,7 @@ void UITableView::selectFocusedRow() {
   if (isFocused()) return;
   focused_.reset();
   showFocus(false);
+  TableAccessibility::focusLost(*this);
 }
 
 bool UITableView::keyPressed(const std::string& key) {

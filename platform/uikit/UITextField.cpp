@@ -197,6 +197,8 @@ class UITextField::Editor : public QLineEdit {
   }
 
   void focusInEvent(QFocusEvent* event) override {
+    // Before the caret's event, which makes a screen reader take the field for the one it was in.
+    if (field_) AccessibleView::focusGained(*field_);
     QLineEdit::focusInEvent(event);
     if (!field_) return;
     if (!field_->isEditing()) end(false);

@@ -16,6 +16,7 @@
 
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/Canvas.h"
+#include "platform/uikit/HostAccessibility.h"
 #include "platform/uikit/HostStyle.h"
 #include "platform/uikit/NSLayoutConstraint.h"
 #include "platform/uikit/NativePainter.h"
@@ -484,7 +485,9 @@ void UIView::setHidden(bool hidden) {
   if (hidden) resignFocusWithin();
   isHidden_ = hidden;
   if (widget_ && superview_) widget_->setVisible(!hidden);
-  if (isModal_ && superview_) superview_->modalSubviewChanged();
+  if (!isModal_ || !superview_) return;
+  superview_->modalSubviewChanged();
+  if (!hidden) postAccessibilityAnnouncement(*this, accessibilityText(*this));
 }
 
 // The toolkit would give the focus of a widget that it hides to whatever comes next, for example to
@@ -534,7 +537,7 @@ bool UIView::isReachable() const {
                                       [](const auto& each) { return !each->isHidden_; });
     if (topmost->get() != view) return false;
   }
-  return view->isInWindowNow();
+  return view->isInWindowNow() && view->widget_ && !HostAccessibility::isCovered(*view->widget_);
 }
 
 void UIView::modalSubviewChanged() {

@@ -171,7 +171,7 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   // True while this view or one of its visible subviews, at any depth, is visible and modal.
   bool showsModalView() const;
   // False while the view is in no window, hidden, beside a modal view or below a presented screen,
-  // either itself or through a superview.
+  // either itself or through a superview, and in a host's form while a flow covers it.
   bool isReachable() const;
 
   // A view that can take the keyboard's focus takes part in the Tab order.
@@ -196,6 +196,12 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   // Assistive technology. Labels, images and controls supply what is not set.
   void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
   virtual std::string accessibilityLabel() const { return accessibilityLabel_; }
+  // Read after the label and the role: how to use the view, in a sentence.
+  void setAccessibilityHint(std::string hint) { accessibilityHint_ = std::move(hint); }
+  const std::string& accessibilityHint() const { return accessibilityHint_; }
+  // Of a view that opens something; none for others.
+  void setAccessibilityExpanded(std::optional<bool> isExpanded) { isExpanded_ = isExpanded; }
+  std::optional<bool> isAccessibilityExpanded() const { return isExpanded_; }
   void setAccessibilityRole(UIAccessibilityRole role) { accessibilityRole_ = role; }
   virtual UIAccessibilityRole accessibilityRole() const { return accessibilityRole_; }
   virtual std::string accessibilityValue() const { return {}; }
@@ -278,6 +284,8 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   bool translatesAutoresizingMask_ = true;
   UIViewContentMode contentMode_ = UIViewContentMode::scaleToFill;
   std::string accessibilityLabel_;
+  std::string accessibilityHint_;
+  std::optional<bool> isExpanded_;
   UIAccessibilityRole accessibilityRole_ = UIAccessibilityRole::none;
 };
 

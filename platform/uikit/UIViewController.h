@@ -103,6 +103,8 @@ class KESTROVA_EXPORT UIViewController : public UIResponder {
   // overridden, the first in reading order that can take it.
   virtual std::shared_ptr<UIView> preferredFocusView();
 
+  // What assistive technology calls the screen while it shows no heading.
+  virtual std::string accessibilityTitle() const { return {}; }
   // Escape, or its like of assistive technology: shuts what is open on this screen. False where
   // nothing is; the screens around are asked then.
   virtual bool accessibilityPerformEscape() { return false; }

@@ -14,6 +14,7 @@
 #include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/FocusOrder.h"
 #include "platform/uikit/FocusRing.h"
+#include "platform/uikit/HostAccessibility.h"
 #include "platform/uikit/TouchDispatcher.h"
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIControl.h"
@@ -110,6 +111,7 @@ std::shared_ptr<UIWindow> UIWindow::over(QWidget& host) {
   // Nothing goes through to the host: no button of a mouse, wheel, menu or finger.
   window->widget()->setAttribute(Qt::WA_NoMousePropagation);
   window->watch_ = std::make_unique<HostWatch>(*window, *host.window());
+  window->hiddenHost_ = std::make_unique<HostAccessibility>(*window->widget());
   window->focusRing_ = std::make_unique<FocusRing>(*window);
   return window;
 }
@@ -154,6 +156,7 @@ void UIWindow::close() {
   const bool visible = widget() && widget()->isVisible();
   if (root_ && visible) root_->beginAppearance(false, false);
   if (widget()) widget()->hide();
+  hiddenHost_.reset();
   if (root_ && visible) root_->endAppearance();
 }
 
@@ -174,6 +177,7 @@ std::shared_ptr<UIResponder> UIWindow::next() const {
 
 void UIWindow::widgetLost() {
   const auto self = shared(this);
+  hiddenHost_.reset();
   const auto gone = onHostGone;
   if (gone) gone();
 }

@@ -10,6 +10,7 @@
 namespace kestrova::platform {
 
 class FocusRing;
+class HostAccessibility;
 class TouchDispatcher;
 class UIViewController;
 
@@ -112,6 +113,7 @@ class UIWindow : public UIView {
   std::unique_ptr<HostWatch> watch_;
   std::unique_ptr<VisibilityWatch> visibilityWatch_;
   bool isSeen_ = false;
+  std::unique_ptr<HostAccessibility> hiddenHost_;
   std::unique_ptr<FocusRing> focusRing_;
   std::shared_ptr<UIViewController> root_;
   std::weak_ptr<UIViewController> presentedForHost_;

@@ -1,10 +1,14 @@
 #include <memory>
 
 #include <QtCore/QPointer>
+#include <QtGui/QAccessible>
 #include <QtGui/QShortcut>
 #include <QtTest/QTest>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
 #include "platform/uikit/NSLayoutConstraint.h"
@@ -162,6 +166,89 @@ TEST_F(HostWindow, AViewInAHostsFormLeavesTheHostItsKeys) {
   EXPECT_FALSE(host->isVisible());
   // Nor is it a window of its own for assistive technology.
   EXPECT_EQ(accessibilityTree(*button->window()).find("group"), 0U);
+}
+
+// The names in the tree below and with an object.
+QStringList namesIn(const QAccessibleInterface& object) {
+  QStringList names{object.text(QAccessible::Name)};
+  for (int index = 0; index < object.childCount(); ++index) {
+    if (const auto* const child = object.child(index)) names += namesIn(*child);
+  }
+  names.removeAll(QString());
+  return names;
+}
+
+// What assistive technology does with an object that it remembers.
+void pressRemembered(QAccessible::Id id) {
+  auto* const object = QAccessible::accessibleInterface(id);
+  auto* const actions = object ? object->actionInterface() : nullptr;
+  if (actions) actions->doAction(QAccessibleActionInterface::pressAction());
+}
+
+TEST_F(HostWindow, HidesItsWidgetsFromAssistiveTechnologyUnderAFlow) {
+  auto own = std::make_unique<QMainWindow>();
+  own->setWindowTitle("Check in");
+  own->resize(800, 600);
+  int pressed = 0;
+  auto* const middle = new QWidget;
+  auto* const layout = new QVBoxLayout(middle);
+  auto* const desk = new QPushButton("Front desk");
+  layout->addWidget(desk);
+  const auto verify = std::make_shared<UIButton>();
+  verify->setTitle("Verify");
+  verify->addAction(UIControlEvents::touchUpInside, [&](const auto&) { ++pressed; });
+  layout->addWidget(new ViewPlaceholder([&] { return verify; }, middle));
+  own->setCentralWidget(middle);
+  auto* const quit = own->menuBar()->addMenu("File")->addAction("Quit");
+  QObject::connect(quit, &QAction::triggered, own.get(), [&] { ++pressed; });
+  QObject::connect(desk, &QPushButton::clicked, own.get(), [&] { ++pressed; });
+  own->show();
+  settle();
+
+  const auto object = [](QObject* of) { return QAccessible::queryAccessibleInterface(of); };
+  const QStringList all = namesIn(*object(own.get()));
+  for (const char* const name : {"Front desk", "Verify", "File"}) EXPECT_TRUE(all.contains(name));
+  auto* const entry = object(own->menuBar())->child(0)->child(0)->child(0);
+  ASSERT_TRUE(entry);
+  const std::vector<QAccessible::Id> remembered{QAccessible::uniqueId(object(desk)),
+                                                QAccessible::uniqueId(object(verify->widget())),
+                                                QAccessible::uniqueId(entry)};
+  const auto pressAll = [&] {
+    pressed = 0;
+    for (const auto id : remembered) pressRemembered(id);
+    // A button of the toolkit is pressed by a timer.
+    QTest::qWait(0);
+    return QTest::qWaitFor([&] { return pressed == 3; }, 300) ? 3 : pressed;
+  };
+  EXPECT_EQ(pressAll(), 3);
+
+  const auto wrapper = UIViewController::wrapping(*middle);
+  const auto flow = screen();
+  const auto heading = std::make_shared<UILabel>();
+  heading->setText("Your nationality");
+  heading->setAccessibilityRole(UIAccessibilityRole::header);
+  flow->view()->addSubview(heading);
+  wrapper->present(flow, true);
+  advance(1);
+  settle();
+  EXPECT_EQ(namesIn(*object(own.get())),
+            (QStringList{"Check in", "Your nationality", "Your nationality"}));
+  EXPECT_EQ(pressAll(), 0);
+  EXPECT_FALSE(object(desk)->actionInterface());
+
+  flow->dismiss(true);
+  advance(1);
+  EXPECT_EQ(namesIn(*object(own.get())), all);
+  pressed = 0;
+  object(desk)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return pressed == 1; }, 1000));
+
+  wrapper->present(screen(), false);
+  settle();
+  EXPECT_FALSE(namesIn(*object(own.get())).contains("Front desk"));
+  own.reset();
+  // Another host is whole.
+  EXPECT_TRUE(object(field)->actionInterface());
 }
 
 TEST_F(HostWindow, MayGoWhileItsScreensMove) {

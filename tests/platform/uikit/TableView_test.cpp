@@ -503,7 +503,10 @@ TEST_F(TableView, ShowsAssistiveTechnologyEveryRowWithoutAskingForCells) {
   model->sections = {100};
   view->reloadData();
   EXPECT_EQ(list->childCount(), 100);
-  EXPECT_FALSE(far->isValid());
+  // The toolkit prints a line where an object that assistive technology still asks is not valid.
+  EXPECT_TRUE(far->isValid());
+  EXPECT_TRUE(far->state().invisible);
+  EXPECT_TRUE(far->actionInterface()->actionNames().isEmpty());
 }
 
 class Documents : public UITableViewController {

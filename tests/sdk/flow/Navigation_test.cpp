@@ -566,11 +566,12 @@ TEST_F(Flow, ReadsInTheOrderOfTheEye) {
   using Texts = std::vector<std::string>;
   start();
   const auto window = wrapper->presentedViewController()->view()->window();
-  // The host's own widgets are not to be read meanwhile.
-  EXPECT_TRUE(QAccessible::queryAccessibleInterface(window->widget())->state().modal);
+  const auto* const dialog = QAccessible::queryAccessibleInterface(window->widget())->child(0);
+  EXPECT_EQ(dialog->role(), QAccessible::Dialog);
+  EXPECT_TRUE(dialog->state().modal);
   const auto nationality = top<ChooseCitizenViewController>();
   EXPECT_EQ(readAloud(*window),
-            (Texts{"Step 1 of 6", "Close", "What’s your nationality?",
+            (Texts{"What’s your nationality?", "Step 1 of 6", "Close", "What’s your nationality?",
                    "You’ll take a selfie and photograph an ID. It takes about three minutes.",
                    "Country", "Show countries", "Countries", nationality->termText, "Next"}));
   nationality->tapOnArrow(nullptr);
@@ -583,12 +584,13 @@ TEST_F(Flow, ReadsInTheOrderOfTheEye) {
 
   push<CheckEmailViewController>("CheckEmail");
   EXPECT_EQ(readAloud(*window),
-            (Texts{"Step 2 of 6", "Close", "Back", "What’s your email address?",
-                   "We’ll use it for this verification.", "Email address", "Next"}));
+            (Texts{"What’s your email address?", "Step 2 of 6", "Close", "Back",
+                   "What’s your email address?", "We’ll use it for this verification.",
+                   "Email address", "Next"}));
   const auto type = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
   tapRow(dynamic_cast<UITableView&>(*type->children().front()->view()), 1);
   EXPECT_EQ(readAloud(*window),
-            (Texts{"Step 4 of 6", "Close", "Back", "Choose your document",
+            (Texts{"Choose your document", "Step 4 of 6", "Close", "Back", "Choose your document",
                    "Have it ready. You’ll photograph it next.", "Documents", "Passport",
                    "Driving License, selected", "National ID Card", "Next"}));
 }
