@@ -222,6 +222,13 @@ void UIImagePickerController::controlsChanged() {
   window->focusPreferredView();
 }
 
+void UIImagePickerController::viewDidAppear(bool animated) {
+  UIViewController::viewDidAppear(animated);
+  if (content_->controls->state() == State::opening) {
+    postAccessibilityAnnouncement(*content_, "Starting the camera");
+  }
+}
+
 void UIImagePickerController::viewWillDisappear(bool animated) {
   UIViewController::viewWillDisappear(animated);
   close();
@@ -275,6 +282,7 @@ void UIImagePickerController::fail(const NSError& error) {
   content_->setAdvice(adviceFor(error));
   content_->controls->setState(State::failed);
   controlsChanged();
+  postAccessibilityAnnouncement(*content_, accessibilityText(*content_));
 }
 
 void UIImagePickerController::takePhoto() {

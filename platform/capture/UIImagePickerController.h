@@ -52,7 +52,9 @@ class UIImagePickerController : public UIViewController {
   void loadView() override;
   void viewWillAppear(bool animated) override;
   std::shared_ptr<UIView> preferredFocusView() override;
+  void viewDidAppear(bool animated) override;
   void viewWillDisappear(bool animated) override;
+  std::string accessibilityTitle() const override { return "Camera"; }
   bool accessibilityPerformEscape() override;
 
  private:

@@ -39,6 +39,7 @@ class DevelopmentScreen : public UIViewController {
   void viewDidAppear(bool animated) override;
   void viewWillDisappear(bool animated) override;
   // Cancels.
+  std::string accessibilityTitle() const override { return "Video selfie"; }
   bool accessibilityPerformEscape() override;
   // None: Enter must not cancel the run that it has started.
   std::shared_ptr<UIView> preferredFocusView() override { return nullptr; }

@@ -85,9 +85,11 @@ void DevelopmentView::setFeedback(const std::string& text) {
   if (feedback_->text() == text) return;
   feedback_->setText(text);
   setNeedsLayout();
+  postAccessibilityAnnouncement(*this, text);
 }
 
 void DevelopmentView::setDark(bool isDark) {
+  if (isDark && hint_->isHidden()) postAccessibilityAnnouncement(*this, hint_->text());
   hint_->setHidden(!isDark);
 }
 

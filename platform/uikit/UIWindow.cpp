@@ -236,6 +236,7 @@ void UIWindow::resignFocus() {
 }
 
 std::shared_ptr<const void> UIWindow::beginMotion(const std::shared_ptr<UIView>& area) {
+  postAccessibilityScreenWillChange(*this);
   resignFocus();
   touches_->cancelIn(*area);
   std::erase_if(motions_, [](const auto& each) { return each.expired(); });
@@ -260,6 +261,7 @@ void UIWindow::screenAppeared(const std::shared_ptr<UIView>& area,
   contentChanged(area);
   lastFocused_ = last;
   settleFocus();
+  postAccessibilityScreenChanged(*area);
 }
 
 bool UIWindow::ignoresTouches(const UIView& view) const {

@@ -79,6 +79,7 @@ void ChooseCitizenViewController::viewDidLoad() {
   loadCountrylist();
   makeGrayBorder();
   makeEncryptionIconRound();
+  if (const auto field = countryTextfield.lock()) field->setAccessibilityExpanded(false);
   setChooseButton(false);
   if (const auto table = tableView.lock()) table->setFocusable(false);
   const auto tap = std::make_shared<UITapGestureRecognizer>(
@@ -204,6 +205,7 @@ void ChooseCitizenViewController::setDropdownHeight(double height) {
     const bool isClosing = height == kCollapsed;
     if (isClosing && table->isFocused() && field) field->becomeFocused();
     table->setFocusable(!isClosing);
+    if (field) field->setAccessibilityExpanded(!isClosing);
   }
   if (const auto constraint = dropdownHeightConstraint.lock()) constraint->setConstant(height);
   UIView::animate(
@@ -227,6 +229,7 @@ void ChooseCitizenViewController::showList() {
 }
 
 void ChooseCitizenViewController::tapOnArrow(const std::shared_ptr<UIControl>&) {
+  if (!isListOpen()) announceCount();
   setDropdownHeight(kOpen);
 }
 
@@ -315,6 +318,16 @@ void ChooseCitizenViewController::loadCountrylist() {
 void ChooseCitizenViewController::searchCountrylist(std::string_view searchText) {
   searchCountries = matching(countries, searchText);
   if (const auto table = tableView.lock()) table->reloadData();
+  if (searchText.empty() || !searchCountries.empty()) return announceCount();
+  postAccessibilityAnnouncement(*view(), "No country found");
+}
+
+void ChooseCitizenViewController::announceCount() {
+  const auto& list = displayed();
+  const auto count = std::count_if(list.begin(), list.end(),
+                                   [](const auto& country) { return !isSeparator(country); });
+  postAccessibilityAnnouncement(*view(),
+                                std::to_string(count) + (count == 1 ? " country" : " countries"));
 }
 
 void ChooseCitizenViewController::prepareTextlabel() {

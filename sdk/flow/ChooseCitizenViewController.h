@@ -100,6 +100,8 @@ class ChooseCitizenViewController : public UIViewController,
   void makeEncryptionIconRound();
 
  private:
+  // Tells assistive technology how many countries the list shows.
+  void announceCount();
   const std::vector<CountryEntry>& displayed() const;
   bool isListOpen() const;
   void setDropdownHeight(double height);
