@@ -3,7 +3,6 @@
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
 
-#include "artwork/Card.h"
 #include "artwork/Motion.h"
 #include "artwork/Strokes.h"
 
@@ -108,17 +107,25 @@ int CardAnimation::delay(std::size_t frame) const {
 void CardAnimation::draw(QPainter& painter, std::size_t frame) const {
   const double away = distance(frame);
   painter.translate(kWidth / 2.0, 80);
-  for (int corner = 0; corner < 4; ++corner) {
-    painter.save();
-    painter.scale(corner == 1 || corner == 2 ? -1 : 1, corner > 1 ? -1 : 1);
-    drawCorner(painter, light(frame, corner));
-    painter.restore();
-  }
+  const auto drawFrame = [&] {
+    for (int corner = 0; corner < 4; ++corner) {
+      painter.save();
+      painter.scale(corner == 1 || corner == 2 ? -1 : 1, corner > 1 ? -1 : 1);
+      drawCorner(painter, light(frame, corner));
+      painter.restore();
+    }
+  };
+  const bool isPage = side_ == DocumentSide::photoPage;
+  if (!isPage) drawFrame();
+  painter.save();
   painter.translate(22 * away, 10 * away);
   painter.rotate(9 * away);
   drawPalm(painter);
-  drawCard(painter, away);
+  drawDocument(painter, side_, away);
   drawThumb(painter);
+  painter.restore();
+  // Over the opposite page, which reaches out of the frame.
+  if (isPage) drawFrame();
 }
 
 }  // namespace kestrova::artwork

@@ -1,17 +1,23 @@
 #pragma once
 
 #include "artwork/Animation.h"
+#include "artwork/Card.h"
 
 namespace kestrova::artwork {
 
-// A hand brings a tilted card with the light of a lamp on it straight into a frame, whose four
+// A hand brings a tilted document with the light of a lamp on it straight into a frame, whose four
 // corners then come on one after the other.
 class CardAnimation : public Animation {
  public:
+  explicit CardAnimation(DocumentSide side) : side_(side) {}
+
   Format format() const override;
   std::size_t frameCount() const override;
   int delay(std::size_t frame) const override;
   void draw(QPainter& painter, std::size_t frame) const override;
+
+ private:
+  DocumentSide side_;
 };
 
 }  // namespace kestrova::artwork

@@ -28,7 +28,9 @@ namespace {
 void drawPictures(const std::string& folder) {
   std::filesystem::create_directories(folder);
   writeGIF(HeadAnimation(), folder + "/headGIF.gif");
-  writeGIF(CardAnimation(), folder + "/IDGIF.gif");
+  writeGIF(CardAnimation(DocumentSide::front), folder + "/IDGIF.gif");
+  writeGIF(CardAnimation(DocumentSide::back), folder + "/backsideIDGIF.gif");
+  writeGIF(CardAnimation(DocumentSide::photoPage), folder + "/photoPageGIF.gif");
   writeGIF(BadgeAnimation(), folder + "/verifiedBadge.gif");
   writeCameraOutline(CardSide::front, folder + "/iddocument.png");
   writeCameraOutline(CardSide::back, folder + "/backsideiddocument.png");

@@ -32,6 +32,7 @@ constexpr std::array kTypefaces{
 constexpr std::array kPictures{
     Resource{"iddocument", "png", "\x89PNG"}, Resource{"backsideiddocument", "png", "\x89PNG"},
     Resource{"headGIF", "gif", "GIF8"},       Resource{"IDGIF", "gif", "GIF8"},
+    Resource{"backsideIDGIF", "gif", "GIF8"}, Resource{"photoPageGIF", "gif", "GIF8"},
     Resource{"verifiedBadge", "gif", "GIF8"}, Resource{"DRIVERS_LICENSE", "svg", "<"},
     Resource{"KestrovaMark", "svg", "<"},     Resource{"NATIONAL_ID_CARD", "svg", "<"},
     Resource{"PASSPORT", "svg", "<"},         Resource{"arrowDown", "svg", "<"},

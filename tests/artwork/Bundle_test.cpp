@@ -84,7 +84,9 @@ TEST_P(Animations, AreSmallPlayAtOnceAndLoopForEver) {
   EXPECT_NE(std::string::npos, listing.find("loop forever"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Bundle, Animations, testing::Values("headGIF", "IDGIF", "verifiedBadge"),
+INSTANTIATE_TEST_SUITE_P(Bundle, Animations,
+                         testing::Values("headGIF", "IDGIF", "backsideIDGIF", "photoPageGIF",
+                                         "verifiedBadge"),
                          [](const auto& each) { return each.param; });
 
 // Every frame that the independent decoder composes has the ground in its corner.
