@@ -102,8 +102,7 @@ CGRect DevelopmentView::frameOnScreen() const {
 CGRect DevelopmentView::ovalInFrame() const {
   const auto frame = frameOnScreen();
   // Above the feedback, so that the text covers no face, where that leaves enough.
-  const double above = customization_.feedbackCustomization.topMargin - kFeedbackPadding.height -
-                       kBetween - frame.minY();
+  const double above = feedbackTop() - kFeedbackPadding.height - kBetween - frame.minY();
   const bool isAbove =
       above - kTop >= kLeastHeight * frame.size.height && above <= frame.size.height;
   const double room = (isAbove ? above : frame.size.height) - kTop;
@@ -113,7 +112,13 @@ CGRect DevelopmentView::ovalInFrame() const {
   return {{std::round(frame.midX() - width / 2), std::round(middle - height / 2)}, {width, height}};
 }
 
+double DevelopmentView::feedbackTop() const {
+  const double margin = customization_.feedbackCustomization.topMargin;
+  return designedHeight_ > 0 ? margin * bounds().size.height / designedHeight_ : margin;
+}
+
 void DevelopmentView::layoutSubviews() {
+  if (designedHeight_ <= 0) designedHeight_ = bounds().size.height;
   oval_->setFrame(ovalInFrame().insetBy(-oval_->margin(), -oval_->margin()));
   const auto size = bounds().size;
   const double width = std::min(kWidest, size.width - 2 * kSide);
@@ -122,7 +127,7 @@ void DevelopmentView::layoutSubviews() {
     const CGSize all{text.width + 2 * padding.width, text.height + 2 * padding.height};
     label.setFrame({{(size.width - all.width) / 2, y - padding.height}, all});
   };
-  place(*feedback_, customization_.feedbackCustomization.topMargin, kFeedbackPadding);
+  place(*feedback_, feedbackTop(), kFeedbackPadding);
   place(*hint_, std::max(feedback_->frame().maxY(), ovalInFrame().maxY()) + kBetween, {});
   const double buttonWidth = cancel_->sizeThatFits({width, kButtonHeight}).width;
   cancel_->setFrame({{(size.width - buttonWidth) / 2, size.height - 16 - kButtonHeight},

@@ -32,8 +32,12 @@ class DevelopmentView : public UIView {
  private:
   CGRect frameOnScreen() const;
   CGRect ovalInFrame() const;
+  // The customisation's margin, in proportion where the view's height has changed since.
+  double feedbackTop() const;
 
   ZoomCustomization customization_;
+  // The view's first height, for which the customisation was made.
+  double designedHeight_ = 0;
   std::shared_ptr<OvalView> oval_;
   std::shared_ptr<UILabel> notice_;
   std::shared_ptr<UILabel> feedback_;

@@ -369,6 +369,19 @@ TEST_F(Liveness, TellsWhatToDoAndWhatItIsNot) {
   EXPECT_LT(ring.red(), 60);
 }
 
+TEST_F(Liveness, KeepsItsTextOffTheFaceWhenTheWindowIsTurned) {
+  ZoomCustomization look;
+  look.feedbackCustomization.topMargin = 187.5;
+  const auto view = place(std::make_shared<DevelopmentView>(look), {{0, 0}, {667, 375}});
+  view->setFeedback("Thank you");
+  view->setFrame({{0, 0}, {375, 667}});
+  view->layoutIfNeeded();
+  for (const auto& each : view->subviews()) {
+    if (each->accessibilityLabel() != "Thank you") continue;
+    EXPECT_GE(each->frame().minY(), view->oval()->frame().maxY() - view->oval()->margin());
+  }
+}
+
 TEST_F(Liveness, KeepsItsTextsApartInALowWindow) {
   ZoomCustomization look;
   look.feedbackCustomization.topMargin = 136;
