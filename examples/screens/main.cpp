@@ -219,11 +219,27 @@ std::vector<State> states(const std::filesystem::path& specimens) {
          field->setText("ada@example.com");
          screen.setWaiting(true);
        }},
+      {"08-email-still-sending", "CheckEmail",
+       [](Stage& stage) {
+         stage.screen<CheckEmailViewController>().setWaiting(true);
+         Stage::settle(kLongWait);
+       }},
       {"09-selfie", "MoveHead"},
       {"10-selfie-refused", "MoveHead",
        [=](Stage& stage) {
          selfie(stage, specimens / "missing");
          stage.waitFor("We need access");
+       }},
+      {"10-selfie-starting", "MoveHead",
+       [=](Stage& stage) {
+         stage.look(specimens / "face.mov", {});
+         stage.screen<MoveHeadViewController>().recordSelfieVideo(nullptr);
+       }},
+      {"10-selfie-no-camera", "MoveHead",
+       [=](Stage& stage) {
+         selfie(stage, specimens / "missing");
+         stage.waitFor("We need access");
+         stage.waitForButton("OK")->sendActions(UIControlEvents::touchUpInside);
        }},
       {"11-selfie-oval", "MoveHead",
        [=](Stage& stage) {
@@ -255,6 +271,13 @@ std::vector<State> states(const std::filesystem::path& specimens) {
          select(dynamic_cast<UITableView&>(*list.view()), 1, list);
        }},
       {"17-front", "ScanIDInstructions"},
+      {"17-photo-page", "ScanIDInstructions",
+       [](Stage& stage) {
+         auto& screen = stage.screen<ScanIDInstructionsViewController>();
+         screen.viewWillDisappear(false);
+         screen.selectedDocumentType = "PASSPORT";
+         screen.viewWillAppear(false);
+       }},
       {"18-front-camera", "ScanIDInstructions",
        [=](Stage& stage) { front(stage, specimens / "licence-front.png"); }},
       {"19-front-taken", "ScanIDInstructions",

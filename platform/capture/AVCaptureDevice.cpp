@@ -1,8 +1,10 @@
 #include "platform/capture/AVCaptureDevice.h"
 
 #include <atomic>
+#include <mutex>
 #include <utility>
 
+#include "platform/capture/CameraError.h"
 #include "platform/capture/CameraSession.h"
 #include "platform/capture/V4L2Device.h"
 #include "platform/capture/VideoCamera.h"
@@ -18,6 +20,32 @@ using Position = AVCaptureDevice::Position;
 // How often a configuration was set, and in which of them access was granted.
 std::atomic<unsigned> configuration = 1;
 std::atomic<unsigned> granted = 0;
+
+struct AccessError {
+  std::mutex mutex;
+  std::optional<NSError> error;
+};
+
+AccessError& lastAccessError() {
+  static auto& last = *new AccessError;
+  return last;
+}
+
+void setAccessError(std::optional<NSError> error) {
+  const std::lock_guard lock(lastAccessError().mutex);
+  lastAccessError().error = std::move(error);
+}
+
+// Nothing where the front camera opens and gives a picture.
+std::optional<NSError> tryToOpen() {
+  const auto device = AVCaptureDevice::defaultDevice(Position::front);
+  const auto source = device ? device->makeSource() : nullptr;
+  if (!source) return cameraError(CameraErrorCode::notFound, "there is no camera");
+  const auto opens = source->start({[](const CameraFrame&) {}, [](const NSError&) {}});
+  if (!opens) return opens.error();
+  source->stop();
+  return std::nullopt;
+}
 
 // Empty where the configuration names no camera there, or one that is not there.
 CameraConfiguration::Maker named(const std::filesystem::path& path,
@@ -56,6 +84,11 @@ void AVCaptureDevice::forgetAccess() {
   ++configuration;
 }
 
+std::optional<NSError> AVCaptureDevice::accessError() {
+  const std::lock_guard lock(lastAccessError().mutex);
+  return lastAccessError().error;
+}
+
 void AVCaptureDevice::requestAccess(const std::string& forMediaType,
                                     std::function<void(bool granted)> completionHandler) {
   const auto answers = DispatchQueue::global(DispatchQoS::userInitiated);
@@ -67,13 +100,10 @@ void AVCaptureDevice::requestAccess(const std::string& forMediaType,
     });
   }
   CameraSession::queue().async([answers, asked, completionHandler = std::move(completionHandler)] {
-    const auto device = defaultDevice(Position::front);
-    const auto source = device ? device->makeSource() : nullptr;
-    const bool opens = source && source->start({[](const CameraFrame&) {}, [](const NSError&) {}});
-    if (opens) {
-      source->stop();
-      granted = asked;
-    }
+    auto error = tryToOpen();
+    const bool opens = !error;
+    if (opens) granted = asked;
+    setAccessError(std::move(error));
     answers.async([completionHandler, opens] { completionHandler(opens); });
   });
 }

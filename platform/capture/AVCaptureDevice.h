@@ -26,6 +26,9 @@ class AVCaptureDevice {
   static void requestAccess(const std::string& forMediaType,
                             std::function<void(bool granted)> completionHandler);
 
+  // Why the last request for access was not granted; none after a grant. Any thread.
+  static std::optional<NSError> accessError();
+
   Position position() const { return position_; }
   // A camera to be opened. Several at a time get in each other's way.
   std::unique_ptr<CameraSource> makeSource() const { return maker_(); }

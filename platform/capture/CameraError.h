@@ -25,4 +25,7 @@ enum class CameraErrorCode {
 NSError cameraError(CameraErrorCode code, std::string description);
 bool isCameraError(const NSError& error, CameraErrorCode code);
 
+// Tells the user what to do about the error, to be shown on screen.
+std::string cameraAdvice(const NSError& error);
+
 }  // namespace kestrova::platform

@@ -39,23 +39,6 @@ std::shared_ptr<UILabel> label(const char* name, double size, double weight, dou
   return label;
 }
 
-// What people can do about it.
-std::string adviceFor(const NSError& error) {
-  if (isCameraError(error, CameraErrorCode::notFound)) {
-    return "No camera was found. Connect one and try again.";
-  }
-  if (isCameraError(error, CameraErrorCode::notPermitted)) {
-    return "This program is not allowed to use the camera. Change that in the system's settings.";
-  }
-  if (isCameraError(error, CameraErrorCode::busy)) {
-    return "Another program is using the camera. Close it and try again.";
-  }
-  if (isCameraError(error, CameraErrorCode::disconnected)) {
-    return "The camera was disconnected. Connect it and try again.";
-  }
-  return "The camera gives no picture. Check it and try again.";
-}
-
 UIImagePickerControllerInfo infoFor(const UIImage& photo) {
   return {{UIImagePickerControllerMediaType, std::string(kUTTypeImage)},
           {UIImagePickerControllerOriginalImage, photo}};
@@ -70,13 +53,16 @@ class UIImagePickerController::PickerView : public UIView {
       : preview(std::make_shared<CameraPreviewView>()),
         controls(std::make_shared<CameraControlsView>()),
         heading_(label("Exo-SemiBold", 22, UIFont::kSemiboldWeight, 28, UIColor::white())),
-        advice_(label("Exo-Regular", 16, UIFont::kRegularWeight, 24, UIColor::white(1, 0.78))) {
+        advice_(label("Exo-Regular", 16, UIFont::kRegularWeight, 24, UIColor::white(1, 0.78))),
+        status_(label("Exo-Regular", 16, UIFont::kRegularWeight, 24, UIColor::white(1, 0.78))) {
     setBackgroundColor(UIColor::black());
-    heading_->setText("The camera can't be used");
+    heading_->setText("The camera can’t be used");
     heading_->setAccessibilityRole(UIAccessibilityRole::alert);
     addSubview(preview);
     addSubview(heading_);
     addSubview(advice_);
+    status_->setText("Starting the camera");
+    addSubview(status_);
     addSubview(controls);
     setAdvice({});
   }
@@ -103,6 +89,9 @@ class UIImagePickerController::PickerView : public UIView {
     setNeedsLayout();
   }
 
+  // True until the first picture: says that the camera is being started.
+  void setStarting(bool isStarting) { status_->setHidden(!isStarting); }
+
   // Called with the pixels for a picture when they have changed.
   std::function<void(PixelSize room)> onRoom;
 
@@ -115,6 +104,8 @@ class UIImagePickerController::PickerView : public UIView {
     controls->setFrame({{0, above}, {size.width, below}});
     placeOverlay();
     layoutText(above);
+    const double line = std::ceil(status_->sizeThatFits({size.width, 1e6}).height);
+    status_->setFrame({{0, std::round(size.height * kMiddle - line / 2)}, {size.width, line}});
     const auto call = onRoom;
     if (call) call(preview->room());
   }
@@ -146,6 +137,7 @@ class UIImagePickerController::PickerView : public UIView {
 
   std::shared_ptr<UILabel> heading_;
   std::shared_ptr<UILabel> advice_;
+  std::shared_ptr<UILabel> status_;
   std::weak_ptr<UIView> overlay_;
   CGRect design_;
   CGSize designedFor_;
@@ -238,6 +230,7 @@ void UIImagePickerController::open() {
   close();
   photo_.reset();
   content_->setAdvice({});
+  content_->setStarting(true);
   content_->controls->setState(State::opening);
   const auto position = cameraDevice == UIImagePickerControllerCameraDevice::front
                             ? AVCaptureDevice::Position::front
@@ -261,6 +254,7 @@ void UIImagePickerController::open() {
     alive->content_->preview->setPicture(frame.image);
     auto& controls = *alive->content_->controls;
     if (controls.state() != State::opening) return;
+    alive->content_->setStarting(false);
     alive->content_->preview->setAccessibilityLabel("Camera picture");
     controls.setState(State::live);
     alive->controlsChanged();
@@ -279,7 +273,8 @@ void UIImagePickerController::fail(const NSError& error) {
   close();
   print("Kestrova: the camera cannot be used: " + error.localizedDescription);
   content_->preview->setPicture(nullptr);
-  content_->setAdvice(adviceFor(error));
+  content_->setStarting(false);
+  content_->setAdvice(cameraAdvice(error));
   content_->controls->setState(State::failed);
   controlsChanged();
   postAccessibilityAnnouncement(*content_, accessibilityText(*content_));

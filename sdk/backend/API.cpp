@@ -13,12 +13,14 @@ namespace {
 
 // Prints what came back and hands it on if it is a JSON object.
 HTTPTransport::AnswerHandler answerHandler(std::string_view failureLine,
-                                           API::StepCompletionHandler completionHandler) {
-  return [failureLine,
-          completionHandler = std::move(completionHandler)](const Result<JSONValue>& answer) {
+                                           API::StepCompletionHandler completionHandler,
+                                           API::FailureHandler failureHandler) {
+  return [failureLine, completionHandler = std::move(completionHandler),
+          failureHandler = std::move(failureHandler)](const Result<JSONValue>& answer) {
     const auto* const object = answer ? answer.value().dictionary() : nullptr;
     if (!object) {
       print(failureLine);
+      if (failureHandler) failureHandler(API::Failure::noResponse);
       return;
     }
     print("JSON: " + description(*object));
@@ -41,15 +43,16 @@ std::vector<std::pair<std::string, std::string>> uploadParameters(
 }  // namespace
 
 void API::post(std::string_view path, const JSONDictionary& params,
-               StepCompletionHandler completionHandler) {
+               StepCompletionHandler completionHandler, FailureHandler failureHandler) {
   const auto transport = BackendTransport::current();
   if (!transport) return;
   HTTPRequest request;
   request.url.append("https://").append(host).append(path);
   request.headers = {{"Content-Type", "application/x-www-form-urlencoded; charset=utf-8"}};
   request.body = formEncoded(params);
-  transport->sendForJSON(std::move(request),
-                         answerHandler("Could not parse", std::move(completionHandler)));
+  transport->sendForJSON(
+      std::move(request),
+      answerHandler("Could not parse", std::move(completionHandler), std::move(failureHandler)));
 }
 
 void API::createAuthentication(std::string_view apiKey, StepCompletionHandler completionHandler) {
@@ -71,12 +74,12 @@ void API::sendStepsAndParametersToAuthenticationAssessmentsEndpoint(
 }
 
 void API::signupWithEmail(std::string_view apiKey, std::string_view authentication_key,
-                          std::string_view email, StepCompletionHandler completionHandler) {
+                          std::string_view email, StepCompletionHandler completionHandler,
+                          FailureHandler failureHandler) {
   auto params = stepParameters(apiKey, authentication_key, "signup");
   params["identifier_type"] = "email";
   params["identifier"] = email;
-  sendStepsAndParametersToStepsEndoint(apiKey, authentication_key, params,
-                                       std::move(completionHandler));
+  post("/authentications/steps", params, std::move(completionHandler), std::move(failureHandler));
 }
 
 void API::setNationality(std::string_view apiKey, std::string_view authentication_key,
@@ -142,34 +145,40 @@ void API::sendLivenessScore(std::string_view apiKey, std::string_view authentica
 
 void API::recordFaceVideo(const std::filesystem::path& url, std::string_view apiKey,
                           std::string_view authentication_key,
-                          StepCompletionHandler completionHandler) {
+                          StepCompletionHandler completionHandler, FailureHandler failureHandler) {
   uploadDataFromURL(url, uploadParameters(apiKey, authentication_key, "record_face_video"), "video",
-                    "video.mov", "video/quicktime", std::move(completionHandler));
+                    "video.mov", "video/quicktime", std::move(completionHandler),
+                    std::move(failureHandler));
 }
 
 void API::recordAuthenticationDocumentPicFRONT(const std::filesystem::path& url,
                                                std::string_view apiKey,
                                                std::string_view authentication_key,
-                                               StepCompletionHandler completionHandler) {
+                                               StepCompletionHandler completionHandler,
+                                               FailureHandler failureHandler) {
   uploadDataFromURL(
       url, uploadParameters(apiKey, authentication_key, "record_authentication_document_video"),
-      "picture", "picture.png", "image/png", std::move(completionHandler));
+      "picture", "picture.png", "image/png", std::move(completionHandler),
+      std::move(failureHandler));
 }
 
 void API::recordAuthenticationDocumentPicBACK(const std::filesystem::path& url,
                                               std::string_view apiKey,
                                               std::string_view authentication_key,
-                                              StepCompletionHandler completionHandler) {
+                                              StepCompletionHandler completionHandler,
+                                              FailureHandler failureHandler) {
   uploadDataFromURL(
       url,
       uploadParameters(apiKey, authentication_key, "record_authentication_document_video_back"),
-      "picture", "picture.png", "image/png", std::move(completionHandler));
+      "picture", "picture.png", "image/png", std::move(completionHandler),
+      std::move(failureHandler));
 }
 
 void API::uploadDataFromURL(const std::filesystem::path& url,
                             const std::vector<std::pair<std::string, std::string>>& parameters,
                             const std::string& name, const std::string& fileName,
-                            const std::string& mime_type, StepCompletionHandler onCompletion) {
+                            const std::string& mime_type, StepCompletionHandler onCompletion,
+                            FailureHandler failureHandler) {
   const auto transport = BackendTransport::current();
   if (!transport) return;
   std::string target = "https://";
@@ -181,8 +190,11 @@ void API::uploadDataFromURL(const std::filesystem::path& url,
         form.append(url, name, fileName, mime_type);
         print("multipartFormData: " + std::string(MultipartFormData::description()));
       },
-      [](const NSError& error) { print("Error in upload: " + error.localizedDescription); },
-      answerHandler("Could not parse response as JSON", std::move(onCompletion)));
+      [failureHandler](const NSError& error) {
+        print("Error in upload: " + error.localizedDescription);
+        if (failureHandler) failureHandler(Failure::notEncoded);
+      },
+      answerHandler("Could not parse response as JSON", std::move(onCompletion), failureHandler));
 }
 
 }  // namespace kestrova

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/foundation/JSONValue.h"
 #include "platform/network/HTTPTransport.h"
@@ -18,6 +19,14 @@ namespace kestrova {
 class API {
  public:
   using StepCompletionHandler = std::function<void(const JSONDictionary& answer)>;
+  enum class Failure {
+    // The form could not be written to a temporary file; nothing was sent.
+    notEncoded,
+    // The request failed, or its response is no JSON object.
+    noResponse
+  };
+  // Called at most once, on the main queue, instead of the completion handler.
+  using FailureHandler = std::function<void(Failure)>;
 
   // Opens an authentication: step "initialize".
   static void createAuthentication(std::string_view apiKey,
@@ -34,7 +43,12 @@ class API {
 
   // The steps of the flow.
   static void signupWithEmail(std::string_view apiKey, std::string_view authentication_key,
-                              std::string_view email, StepCompletionHandler completionHandler);
+                              std::string_view email, StepCompletionHandler completionHandler) {
+    signupWithEmail(apiKey, authentication_key, email, std::move(completionHandler), {});
+  }
+  static void signupWithEmail(std::string_view apiKey, std::string_view authentication_key,
+                              std::string_view email, StepCompletionHandler completionHandler,
+                              FailureHandler failureHandler);
   static void setNationality(std::string_view apiKey, std::string_view authentication_key,
                              std::string_view countryCode, StepCompletionHandler completionHandler);
   static void chooseAuthenticationDocument(std::string_view apiKey,
@@ -61,15 +75,37 @@ class API {
   // be read leaves a form without a file part.
   static void recordFaceVideo(const std::filesystem::path& url, std::string_view apiKey,
                               std::string_view authentication_key,
-                              StepCompletionHandler completionHandler);
+                              StepCompletionHandler completionHandler) {
+    recordFaceVideo(url, apiKey, authentication_key, std::move(completionHandler), {});
+  }
+  static void recordFaceVideo(const std::filesystem::path& url, std::string_view apiKey,
+                              std::string_view authentication_key,
+                              StepCompletionHandler completionHandler,
+                              FailureHandler failureHandler);
   static void recordAuthenticationDocumentPicFRONT(const std::filesystem::path& url,
                                                    std::string_view apiKey,
                                                    std::string_view authentication_key,
-                                                   StepCompletionHandler completionHandler);
+                                                   StepCompletionHandler completionHandler) {
+    recordAuthenticationDocumentPicFRONT(url, apiKey, authentication_key,
+                                         std::move(completionHandler), {});
+  }
+  static void recordAuthenticationDocumentPicFRONT(const std::filesystem::path& url,
+                                                   std::string_view apiKey,
+                                                   std::string_view authentication_key,
+                                                   StepCompletionHandler completionHandler,
+                                                   FailureHandler failureHandler);
   static void recordAuthenticationDocumentPicBACK(const std::filesystem::path& url,
                                                   std::string_view apiKey,
                                                   std::string_view authentication_key,
-                                                  StepCompletionHandler completionHandler);
+                                                  StepCompletionHandler completionHandler) {
+    recordAuthenticationDocumentPicBACK(url, apiKey, authentication_key,
+                                        std::move(completionHandler), {});
+  }
+  static void recordAuthenticationDocumentPicBACK(const std::filesystem::path& url,
+                                                  std::string_view apiKey,
+                                                  std::string_view authentication_key,
+                                                  StepCompletionHandler completionHandler,
+                                                  FailureHandler failureHandler);
 
  private:
   // Host name and path prefix, without scheme and trailing slash.
@@ -77,11 +113,12 @@ class API {
   static constexpr std::string_view endpoint = "authentications/document_files";
 
   static void post(std::string_view path, const JSONDictionary& params,
-                   StepCompletionHandler completionHandler);
+                   StepCompletionHandler completionHandler, FailureHandler failureHandler = {});
   static void uploadDataFromURL(const std::filesystem::path& url,
                                 const std::vector<std::pair<std::string, std::string>>& parameters,
                                 const std::string& name, const std::string& fileName,
-                                const std::string& mime_type, StepCompletionHandler onCompletion);
+                                const std::string& mime_type, StepCompletionHandler onCompletion,
+                                FailureHandler failureHandler);
 };
 
 }  // namespace kestrova

@@ -1,46 +1,86 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <string>
 
+#include "platform/uikit/AnimationClock.h"
 #include "platform/uikit/UIViewController.h"
 #include "sdk/Platform.h"
+#include "sdk/backend/API.h"
+
+namespace kestrova::platform {
+class UIButton;
+class UILabel;
+}  // namespace kestrova::platform
 
 namespace kestrova {
 
 class SpinnerView;
 
-// A screen of instructions that opens a camera's screen and sends what was recorded there. When its
-// window is hidden, the camera's screen goes, and the user starts again from the instructions. Main
-// thread.
+// A screen of instructions that opens a camera's screen and sends what was recorded there. Its
+// button says what the user waits for, a notice says what failed. When its window is hidden, the
+// camera's screen goes, and the user starts again from the instructions. Main thread.
 class CaptureViewController : public UIViewController {
  public:
   // Shown while the recording is sent.
   std::weak_ptr<UIView> loadingView;
   std::weak_ptr<SpinnerView> spinner;
+  std::weak_ptr<UILabel> loadingHeading;
+  std::weak_ptr<UILabel> loadingText;
+  std::weak_ptr<UIButton> captureButton;
+  // Above the button; hidden while it has nothing to say.
+  std::weak_ptr<UILabel> noticeLabel;
 
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;
+  void viewWillAppear(bool animated) override;
   void viewWillDisappear(bool animated) override;
 
  protected:
-  void showLoading(bool shows);
+  // "video" or "photo".
+  virtual std::string recordingName() const = 0;
+  // Takes the camera's screen away if it is presented, without a motion.
+  virtual void closeCamera() = 0;
 
   // A capture consists of asynchronous steps. Each holds the number of its attempt, and does
   // nothing after that attempt has ended: another began, the user left, or the window was hidden.
   std::size_t beginAttempt();
   std::size_t attempt() const { return attempt_; }
+  bool isCurrent(std::size_t attempt) const { return attempt == attempt_ && isAppearing(); }
   // True from the moment the window was hidden until the next attempt.
   bool wasHidden() const { return wasHidden_; }
-  bool isCurrent(std::size_t attempt) const { return attempt == attempt_ && isAppearing(); }
 
-  // Takes the camera's screen away if it is presented, without a motion.
-  virtual void closeCamera() = 0;
+  // Puts a text into the button's place; until setIdle() a tap on it does nothing.
+  void setBusy(const std::string& text);
+  void setIdle();
+  bool isBusy() const { return isBusy_; }
+
+  // Clears the notice where the text is empty.
+  void showNotice(const std::string& text);
+  // Says that the recording could not be written to this device.
+  void showNotSaved();
+
+  // Shows the overlay, unless the upload that it is for was not even encoded.
+  void showLoading();
+  void hideLoading();
+  // For the uploads of API. Nothing is said on a screen that the user has left.
+  API::FailureHandler uploadFailureHandler();
 
  private:
   void windowDidHide(const void* window);
+  void uploadFailed(API::Failure failure);
 
+  std::string buttonTitle_;
+  std::string headingOfStoryboard_;
+  std::string textOfStoryboard_;
+  AnimationClock::Token longWait_;
   std::size_t attempt_ = 0;
   bool wasHidden_ = false;
+  bool isBusy_ = false;
+  // True after an upload of this attempt was not encoded.
+  bool isNotEncoded_ = false;
+  bool isNotSent_ = false;
 };
 
 }  // namespace kestrova

@@ -8,6 +8,7 @@
 #include "platform/uikit/UIBindings.h"
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UIKeyboard.h"
+#include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UITextField.h"
 #include "sdk/backend/API.h"
@@ -45,6 +46,7 @@ void CheckEmailViewController::bind(UIBindings& bindings) {
   bindings.outlet("startButton", startButton);
   bindings.outlet("spinner", spinner);
   bindings.outlet("veil", veil);
+  bindings.outlet("waitLabel", waitLabel);
   bindings.action("nextButtonPressed:", shared(this), &CheckEmailViewController::nextButtonPressed);
 }
 
@@ -168,6 +170,10 @@ void CheckEmailViewController::signupEmailToBackend(const std::string& apiKey,
         print("singup response: " + description(answer));
         const auto alive = weak.lock();
         if (alive && alive->visit_ == visit) alive->startProcessAsNewUserAuthenticate();
+      },
+      [weak = std::weak_ptr(shared(this)), visit = visit_](API::Failure) {
+        const auto alive = weak.lock();
+        if (alive && alive->visit_ == visit) alive->signupFailed();
       });
 }
 
@@ -175,6 +181,17 @@ void CheckEmailViewController::setWaiting(bool isWaiting) {
   isWaiting_ = isWaiting;
   if (const auto waiting = spinner.lock()) waiting->setHidden(!isWaiting);
   if (const auto light = veil.lock()) light->setHidden(!isWaiting);
+  if (const auto label = waitLabel.lock()) label->setHidden(true);
+  longWait_ = isWaiting ? sayAfterLongWait(waitLabel) : nullptr;
+}
+
+// The spinner stays: the backend may have the address.
+void CheckEmailViewController::signupFailed() {
+  longWait_.reset();
+  const auto label = waitLabel.lock();
+  if (!label) return;
+  label->setText("Your email wasn’t sent. Check the connection, then close and start again.");
+  label->setHidden(false);
 }
 
 void CheckEmailViewController::startProcessAsNewUserAuthenticate() {

@@ -9,9 +9,11 @@
 #include "platform/uikit/UITextFieldDelegate.h"
 #include "platform/uikit/UIViewController.h"
 #include "sdk/Platform.h"
+#include "sdk/flow/LongWait.h"
 
 namespace kestrova::platform {
 class UIButton;
+class UILabel;
 class UIScrollView;
 class UITextField;
 }  // namespace kestrova::platform
@@ -31,6 +33,8 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   std::weak_ptr<SpinnerView> spinner;
   // Behind the spinner, over the rest of the screen.
   std::weak_ptr<UIView> veil;
+  // Below the spinner: says that the response takes long, or will not come.
+  std::weak_ptr<UILabel> waitLabel;
   // The field's text after the last edit.
   std::string emailAddress;
 
@@ -62,6 +66,9 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   // Scrolls the edited field into sight, with the button where both fit.
   void showFieldAndButton();
 
+  void signupFailed();
+
+  AnimationClock::Token longWait_;
   // True while the spinner is shown.
   bool isWaiting_ = false;
   // Number of times the screen has gone. A response to a request of an earlier visit moves nothing.

@@ -1,5 +1,6 @@
 #include "sdk/flow/DocumentCaptureViewController.h"
 
+#include "platform/capture/CameraError.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/Print.h"
 #include "platform/uikit/UIBindings.h"
@@ -21,13 +22,26 @@ void DocumentCaptureViewController::viewDidLoad() {
 }
 
 void DocumentCaptureViewController::viewWillAppear(bool animated) {
-  UIViewController::viewWillAppear(animated);
+  CaptureViewController::viewWillAppear(animated);
   playIDGIF();
 }
 
 void DocumentCaptureViewController::viewWillDisappear(bool animated) {
   CaptureViewController::viewWillDisappear(animated);
   if (const auto container = IDGIFCointainer.lock()) removeSubviews(*container);
+}
+
+void DocumentCaptureViewController::takePhoto(const std::function<void()>& start) {
+  if (isBusy()) return;
+  beginAttempt();
+  setBusy("Starting the camera");
+  start();
+  if (presentedViewController()) return;
+  setIdle();
+  constexpr auto kCamera = UIImagePickerControllerSourceType::camera;
+  showNotice(UIImagePickerController::isSourceTypeAvailable(kCamera)
+                 ? "We couldn’t open the camera. Close and start again."
+                 : cameraAdvice(cameraError(CameraErrorCode::notFound, {})));
 }
 
 void DocumentCaptureViewController::addOberserver() {
@@ -40,7 +54,7 @@ void DocumentCaptureViewController::addOberserver() {
 }
 
 void DocumentCaptureViewController::playIDGIF() {
-  if (const auto container = IDGIFCointainer.lock()) playGIF("IDGIF", *container);
+  if (const auto container = IDGIFCointainer.lock()) playGIF(animationName(), *container);
 }
 
 void DocumentCaptureViewController::imagePickerControllerDidCancel(
@@ -55,7 +69,8 @@ void DocumentCaptureViewController::imagePickerControllerDidFinishPickingMediaWi
   NotificationCenter::defaultCenter().removeObserver(this, kUserDidCaptureItem);
   hasFailed_ = false;
   picker.dismiss(true, [weak = std::weak_ptr(shared(this))] {
-    if (const auto alive = weak.lock()) alive->showLoading(!alive->hasFailed_);
+    const auto alive = weak.lock();
+    if (alive && !alive->hasFailed_) alive->showLoading();
   });
   const auto found = info.find(UIImagePickerControllerOriginalImage);
   const auto* const image = found == info.end() ? nullptr : std::any_cast<UIImage>(&found->second);
@@ -64,8 +79,9 @@ void DocumentCaptureViewController::imagePickerControllerDidFinishPickingMediaWi
     upload(*url);
   } else {
     hasFailed_ = true;
-    showLoading(false);
-    // Another try begins as the first one did.
+    hideLoading();
+    showNotSaved();
+    // The next attempt begins as the first one did.
     mediaUI->setCameraOverlayView(nullptr);
     addOberserver();
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,6 +36,10 @@ class DocumentCaptureViewController : public CaptureViewController,
       UIImagePickerController& picker, const UIImagePickerControllerInfo& info) override;
 
  protected:
+  // Opens the picker by one of VideoPhotoCaptureHelper's operations.
+  void takePhoto(const std::function<void()>& start);
+  // Name of the animation that shows how to hold the document.
+  virtual std::string_view animationName() const { return "IDGIF"; }
   // Of the stored picture.
   virtual std::string_view fileName() const = 0;
   // Sends the stored picture.
@@ -50,9 +55,10 @@ class DocumentCaptureViewController : public CaptureViewController,
   std::optional<Keys> keysOrError(std::string_view segue);
 
  private:
+  std::string recordingName() const override { return "photo"; }
   void closeCamera() override;
 
-  // The photograph is not kept: nothing is sent, and the user may try again.
+  // True when the photo could not be stored: nothing is sent, and the user may try again.
   bool hasFailed_ = false;
 };
 

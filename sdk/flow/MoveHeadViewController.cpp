@@ -1,6 +1,7 @@
 #include "sdk/flow/MoveHeadViewController.h"
 
 #include "platform/capture/AVCaptureDevice.h"
+#include "platform/capture/CameraError.h"
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/foundation/Print.h"
 #include "platform/liveness/Zoom.h"
@@ -72,7 +73,7 @@ void MoveHeadViewController::viewDidLoad() {
 }
 
 void MoveHeadViewController::viewWillAppear(bool animated) {
-  UIViewController::viewWillAppear(animated);
+  CaptureViewController::viewWillAppear(animated);
   playHeadGIF();
 }
 
@@ -86,7 +87,9 @@ void MoveHeadViewController::viewWillDisappear(bool animated) {
 }
 
 void MoveHeadViewController::recordSelfieVideo(const std::shared_ptr<UIControl>&) {
+  if (isBusy()) return;
   const auto attempt = beginAttempt();
+  setBusy("Starting the camera");
   AVCaptureDevice::requestAccess(AVMediaTypeVideo,
                                  [weak = std::weak_ptr(shared(this)), attempt](bool granted) {
                                    DispatchQueue::main().async([weak, attempt, granted] {
@@ -100,6 +103,8 @@ void MoveHeadViewController::recordSelfieVideo(const std::shared_ptr<UIControl>&
 
 void MoveHeadViewController::accessAnswered(bool granted) {
   if (!granted) {
+    setIdle();
+    if (const auto error = AVCaptureDevice::accessError()) showNotice(cameraAdvice(*error));
     const auto alert = std::make_shared<UIAlertController>(
         "Alert", "We need access to your camera to verify your identity.");
     alert->addAction(
@@ -122,9 +127,12 @@ void MoveHeadViewController::accessAnswered(bool granted) {
 }
 
 void MoveHeadViewController::engineAnswered(bool success) {
-  if (!success) return;
+  if (!success) {
+    setIdle();
+    return showNotice("We couldn’t start the selfie check. Try again.");
+  }
   constexpr ZoomSDKStatus kReady{1};
-  if (Zoom::sdk().getStatus() != kReady) return;
+  if (Zoom::sdk().getStatus() != kReady) return setIdle();
   setZoomCustomizationBasedOnDevice();
   Zoom::sdk().auditTrailType = 1;
   const auto screen = Zoom::sdk().createVerificationVC(shared(this));
@@ -137,7 +145,10 @@ void MoveHeadViewController::engineAnswered(bool success) {
   }
   screen->modalPresentationStyle = UIModalPresentationStyle::overCurrentContext;
   engineScreen_ = screen;
-  present(screen, true);
+  // Below the engine's screen the button is ready for the next attempt.
+  present(screen, true, [weak = std::weak_ptr(shared(this))] {
+    if (const auto alive = weak.lock()) alive->setIdle();
+  });
 }
 
 void MoveHeadViewController::closeCamera() {
@@ -195,17 +206,26 @@ void MoveHeadViewController::makeMovie(const ZoomVerificationResult& result) {
   const auto movie = std::make_shared<CXEImagesToVideo>(
       CXEImagesToVideo::videoSettings(AVVideoCodecH264, static_cast<int>(first.value()->width()),
                                       static_cast<int>(first.value()->height())));
-  movie->createMovieFrom(*metrics.auditTrail,
-                         [weak = std::weak_ptr(shared(this)), liveScore,
-                          attempt = attempt()](const std::filesystem::path& url) {
-                           const auto alive = weak.lock();
-                           // The user has left the screen or hidden the window: the selfie is not
-                           // sent.
-                           if (!alive || !alive->isCurrent(attempt)) return;
-                           if (const auto overlay = alive->loadingView.lock())
-                             overlay->setHidden(false);
-                           alive->uploadVideoAndLivenessScore(url, static_cast<double>(liveScore));
-                         });
+  setBusy("Preparing your video");
+  // Runs where the user has neither left the screen nor hidden the window.
+  const auto onScreen = [weak = std::weak_ptr(shared(this)), attempt = attempt()](auto body) {
+    const auto alive = weak.lock();
+    if (!alive || !alive->isCurrent(attempt)) return;
+    alive->setIdle();
+    body(*alive);
+  };
+  movie->stopHandler = [onScreen] {
+    onScreen([](MoveHeadViewController& screen) { screen.showNotSaved(); });
+  };
+  // The movie holds its completion only until that was called.
+  movie->createMovieFrom(
+      *metrics.auditTrail, [onScreen, liveScore, movie](const std::filesystem::path& url) {
+        onScreen([&](MoveHeadViewController& screen) {
+          if (!movie->isMovieWhole()) return screen.showNotSaved();
+          screen.showLoading();
+          screen.uploadVideoAndLivenessScore(url, static_cast<double>(liveScore));
+        });
+      });
 }
 
 void MoveHeadViewController::uploadVideoAndLivenessScore(const std::filesystem::path& url,
@@ -222,18 +242,18 @@ void MoveHeadViewController::uploadVideoAndLivenessScore(const std::filesystem::
   }
   const std::string apiKey = *Kestrova::apiKey;
   const std::string authentication_key = *Kestrova::authentication_key;
-  API::recordFaceVideo(url, apiKey, authentication_key,
-                       [weak = std::weak_ptr(shared(this)), apiKey,
-                        authentication_key](const JSONDictionary& answer) {
-                         print("recordFaceVideo response: " + description(answer));
-                         if (const auto alive = weak.lock()) {
-                           if (const auto overlay = alive->loadingView.lock()) {
-                             overlay->setHidden(true);
-                           }
-                           alive->performSegue(Segues::scanDocumentSegue, alive);
-                         }
-                         recordStepInBackend(apiKey, authentication_key);
-                       });
+  API::recordFaceVideo(
+      url, apiKey, authentication_key,
+      [weak = std::weak_ptr(shared(this)), apiKey,
+       authentication_key](const JSONDictionary& answer) {
+        print("recordFaceVideo response: " + description(answer));
+        if (const auto alive = weak.lock()) {
+          alive->hideLoading();
+          alive->performSegue(Segues::scanDocumentSegue, alive);
+        }
+        recordStepInBackend(apiKey, authentication_key);
+      },
+      uploadFailureHandler());
   API::sendLivenessScore(
       apiKey, authentication_key,
       {JSONDictionary{{"token", "LIVENESS_FACTOR"}, {"value", livenessScoreText(livenessScore)}}},

@@ -45,6 +45,7 @@ class MoveHeadViewController : public CaptureViewController, public ZoomVerifica
   static void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
 
  private:
+  std::string recordingName() const override { return "video"; }
   void closeCamera() override;
   void accessAnswered(bool granted);
   void engineAnswered(bool success);

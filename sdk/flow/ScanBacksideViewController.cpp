@@ -17,7 +17,7 @@ void ScanBacksideViewController::bind(UIBindings& bindings) {
 }
 
 void ScanBacksideViewController::takePhotoOfBacksideDocument(const std::shared_ptr<UIControl>&) {
-  VideoPhotoCaptureHelper::startScanBackDocument(shared(this), mediaUI);
+  takePhoto([this] { VideoPhotoCaptureHelper::startScanBackDocument(shared(this), mediaUI); });
 }
 
 void ScanBacksideViewController::uploadBackSideScan(const std::filesystem::path& url) {
@@ -30,7 +30,8 @@ void ScanBacksideViewController::uploadBackSideScan(const std::filesystem::path&
           alive->performSegue(Segues::showFinalCongratsAfterBackSide, alive);
         }
         recordStepInBackend(keys.apiKey, keys.authentication_key);
-      });
+      },
+      uploadFailureHandler());
 }
 
 void ScanBacksideViewController::recordStepInBackend(const std::string& apiKey,

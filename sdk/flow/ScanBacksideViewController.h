@@ -16,6 +16,7 @@ class ScanBacksideViewController : public DocumentCaptureViewController {
   static void recordStepInBackend(const std::string& apiKey, const std::string& authentication_key);
 
  protected:
+  std::string_view animationName() const override { return "backsideIDGIF"; }
   std::string_view fileName() const override { return "pictureBackside.png"; }
   void upload(const std::filesystem::path& url) override { uploadBackSideScan(url); }
 };

@@ -3,6 +3,7 @@
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/foundation/Print.h"
 #include "platform/uikit/UIBindings.h"
+#include "platform/uikit/UILabel.h"
 #include "sdk/backend/API.h"
 #include "sdk/flow/NextStep.h"
 #include "sdk/flow/Segues.h"
@@ -12,12 +13,19 @@ namespace kestrova {
 
 void ScanIDInstructionsViewController::bind(UIBindings& bindings) {
   DocumentCaptureViewController::bind(bindings);
+  bindings.outlet("headingLabel", headingLabel);
   bindings.action("takePhotoOfFrontDocument:", shared(this),
                   &ScanIDInstructionsViewController::takePhotoOfFrontDocument);
 }
 
+void ScanIDInstructionsViewController::viewWillAppear(bool animated) {
+  DocumentCaptureViewController::viewWillAppear(animated);
+  const auto heading = headingLabel.lock();
+  if (heading && isPassport()) heading->setText("Take a photo of the photo page");
+}
+
 void ScanIDInstructionsViewController::takePhotoOfFrontDocument(const std::shared_ptr<UIControl>&) {
-  VideoPhotoCaptureHelper::startScanFrontDocument(shared(this), mediaUI);
+  takePhoto([this] { VideoPhotoCaptureHelper::startScanFrontDocument(shared(this), mediaUI); });
 }
 
 void ScanIDInstructionsViewController::uploadFrontPicDocument(const std::filesystem::path& url) {
@@ -29,11 +37,11 @@ void ScanIDInstructionsViewController::uploadFrontPicDocument(const std::filesys
         recordStepInBackend(keys.apiKey, keys.authentication_key);
         const auto alive = weak.lock();
         if (!alive) return;
-        alive->performSegue(alive->selectedDocumentType == "PASSPORT"
-                                ? Segues::showCongratsScreen
-                                : Segues::scanBackSideOfDocument,
-                            alive);
-      });
+        alive->performSegue(
+            alive->isPassport() ? Segues::showCongratsScreen : Segues::scanBackSideOfDocument,
+            alive);
+      },
+      uploadFailureHandler());
 }
 
 void ScanIDInstructionsViewController::recordStepInBackend(const std::string& apiKey,

@@ -25,8 +25,21 @@ std::optional<std::size_t> stepOf(const UIViewController& screen) {
   if (dynamic_cast<const ChooseDocumentTypeViewController*>(&screen)) return 3;
   if (dynamic_cast<const ScanIDInstructionsViewController*>(&screen)) return 4;
   if (dynamic_cast<const ScanBacksideViewController*>(&screen)) return 5;
-  if (dynamic_cast<const CongratsViewController*>(&screen)) return ProgressStepsView::kSteps;
+  if (dynamic_cast<const CongratsViewController*>(&screen)) return ProgressStepsView::kMaxSteps;
   return std::nullopt;
+}
+
+// A passport has no back. None for a screen that does not know the document.
+std::optional<std::size_t> stepCountOf(const UIViewController& screen) {
+  const std::string* document = nullptr;
+  if (const auto* front = dynamic_cast<const ScanIDInstructionsViewController*>(&screen)) {
+    document = &front->selectedDocumentType;
+  } else if (const auto* type = dynamic_cast<const ChooseDocumentTypeViewController*>(&screen)) {
+    document = &type->selectedDocumentType;
+  }
+  if (!document) return std::nullopt;
+  constexpr auto kMaxSteps = ProgressStepsView::kMaxSteps;
+  return *document == "PASSPORT" ? kMaxSteps - 1 : kMaxSteps;
 }
 
 }  // namespace
@@ -56,6 +69,8 @@ void VerificationStart::navigationControllerWillShow(UINavigationController&,
                                                      UIViewController& screen, bool) {
   const auto steps = progressSteps.lock();
   const auto step = stepOf(screen);
+  const auto count = stepCountOf(screen);
+  if (steps && count) steps->setStepCount(*count);
   if (steps && step) steps->setCurrentStep(*step);
 }
 

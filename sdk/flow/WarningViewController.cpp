@@ -2,6 +2,7 @@
 
 #include "platform/uikit/UIBindings.h"
 #include "platform/uikit/UIButton.h"
+#include "platform/uikit/UILabel.h"
 #include "platform/uikit/UINavigationController.h"
 #include "sdk/flow/CheckEmailViewController.h"
 #include "sdk/flow/ChooseCitizenViewController.h"
@@ -11,13 +12,19 @@ namespace kestrova {
 
 void WarningViewController::bind(UIBindings& bindings) {
   bindings.outlet("leaveButton", leaveButton);
+  bindings.outlet("messageLabel", messageLabel);
   bindings.action("leaveTapped:", shared(this), &WarningViewController::leaveTapped);
 }
 
 void WarningViewController::viewDidLoad() {
   UIViewController::viewDidLoad();
   const auto button = leaveButton.lock();
-  if (button && !canTryAgain()) button->setTitle("Close");
+  const auto message = messageLabel.lock();
+  if (canTryAgain()) {
+    if (message) message->setText(message->text() + " Please try again.");
+  } else if (button) {
+    button->setTitle("Close");
+  }
 }
 
 // Enter must not leave the flow.

@@ -7,7 +7,8 @@
 
 namespace kestrova::platform {
 class UIButton;
-}
+class UILabel;
+}  // namespace kestrova::platform
 
 namespace kestrova {
 
@@ -16,6 +17,7 @@ namespace kestrova {
 class WarningViewController : public UIViewController {
  public:
   std::weak_ptr<UIButton> leaveButton;
+  std::weak_ptr<UILabel> messageLabel;
 
   void bind(UIBindings& bindings) override;
   void viewDidLoad() override;

@@ -23,21 +23,27 @@ void ProgressStepsView::setCurrentStep(std::size_t step) {
   setNeedsDisplay();
 }
 
+void ProgressStepsView::setStepCount(std::size_t count) {
+  stepCount_ = count;
+  setNeedsDisplay();
+}
+
 CGSize ProgressStepsView::sizeThatFits(CGSize) const {
-  return {(kSteps - 1) * (kShort + kGap) + kLong, kThickness};
+  return {double(stepCount_ - 1) * (kShort + kGap) + kLong, kThickness};
 }
 
 std::string ProgressStepsView::accessibilityLabel() const {
-  if (currentStep_ >= kSteps) return "All steps are done";
-  return "Step " + std::to_string(currentStep_ + 1) + " of " + std::to_string(kSteps);
+  if (currentStep_ >= stepCount_) return "All steps complete";
+  return "Step " + std::to_string(currentStep_ + 1) + " of " + std::to_string(stepCount_);
 }
 
 void ProgressStepsView::draw(Canvas& canvas) {
   const double width = sizeThatFits({}).width;
   double x = (bounds().size.width - width) / 2;
   const double y = (bounds().size.height - kThickness) / 2;
-  for (std::size_t step = 0; step < kSteps; ++step) {
-    const bool isLong = step == currentStep_ || (currentStep_ >= kSteps && step == kSteps - 1);
+  for (std::size_t step = 0; step < stepCount_; ++step) {
+    const bool isLong =
+        step == currentStep_ || (currentStep_ >= stepCount_ && step == stepCount_ - 1);
     const double length = isLong ? kLong : kShort;
     const bool isDone = step <= currentStep_;
     canvas.fill({{x, y}, {length, kThickness}},

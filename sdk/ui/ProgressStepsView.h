@@ -11,11 +11,14 @@ namespace kestrova {
 // one longer.
 class ProgressStepsView : public UIView {
  public:
-  static constexpr std::size_t kSteps = 6;
+  static constexpr std::size_t kMaxSteps = 6;
 
   ProgressStepsView();
 
-  // From 0; kSteps when all are done.
+  // Number of steps of this verification: kMaxSteps, or less where the document has no back.
+  std::size_t stepCount() const { return stepCount_; }
+  void setStepCount(std::size_t count);
+  // From 0; stepCount() or more when all are complete.
   std::size_t currentStep() const { return currentStep_; }
   void setCurrentStep(std::size_t step);
 
@@ -26,6 +29,7 @@ class ProgressStepsView : public UIView {
   void draw(Canvas& canvas) override;
 
  private:
+  std::size_t stepCount_ = kMaxSteps;
   std::size_t currentStep_ = 0;
 };
 

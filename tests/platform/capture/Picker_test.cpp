@@ -208,10 +208,10 @@ TEST_F(PickerTest, SwitchesTheFlashWhereThereIsOne) {
 
 TEST_F(PickerTest, SaysWhatIsWrongWithTheCameraAndTriesAgain) {
   const std::pair<CameraErrorCode, const char*> reasons[] = {
-      {CameraErrorCode::busy, "Another program is using the camera"},
-      {CameraErrorCode::notPermitted, "not allowed to use the camera"},
+      {CameraErrorCode::busy, "Another app is using the camera"},
+      {CameraErrorCode::notPermitted, "Camera access is off for this app"},
       {CameraErrorCode::notFound, "No camera was found"},
-      {CameraErrorCode::failed, "The camera gives no picture"}};
+      {CameraErrorCode::failed, "We can’t get a picture from the camera"}};
   for (const auto& [code, text] : reasons) {
     device->refusal = cameraError(code, "scripted");
     present();
@@ -225,7 +225,7 @@ TEST_F(PickerTest, SaysWhatIsWrongWithTheCameraAndTriesAgain) {
   device->refusal.reset();
   click(*waitForButton("Try again"));
   EXPECT_TRUE(waitForButton("Take photo"));
-  EXPECT_FALSE(shows("The camera can't be used"));
+  EXPECT_FALSE(shows("The camera can’t be used"));
 
   // Pulled out while it is looked through, and while it photographs.
   device->unplug();

@@ -24,7 +24,11 @@ class Documents : public test::CaptureFlowTest {
 
 TEST_F(Documents, ShowTheOutlineUntilTheShotAndAfreshOnTheNextTry) {
   const auto screen = openFront("PASSPORT");
-  openPicker(*screen);
+  const auto button = usableButton(*screen->view(), "Take photo");
+  press(*button, middle(*button));
+  release(*button, middle(*button));
+  EXPECT_EQ(button->title(), "Starting the camera");
+  finishMotion();
   auto outline = std::dynamic_pointer_cast<UIImageView>(screen->mediaUI->cameraOverlayView());
   ASSERT_TRUE(outline);
   EXPECT_EQ(outline->frame().size, (CGSize{300, 667 * 0.6}));
@@ -178,6 +182,7 @@ TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
   photograph(*screen);
   ASSERT_EQ(linesThatBegin("Kestrova: the picture is not kept: ").size(), 1U);
   EXPECT_TRUE(screen->loadingView.lock()->isHidden());
+  EXPECT_TRUE(shows("We couldn’t save your photo. Make sure this device has free storage"));
   EXPECT_EQ(countOf("record_authentication_document_video"), 0U);
   std::filesystem::remove(documents);
 
@@ -196,6 +201,12 @@ TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
   }
   finishMotion();
   EXPECT_TRUE(std::filesystem::is_empty(documents));
+  // No directory for the encoded upload.
+  std::filesystem::remove(directory.path() / "uploads");
+  photograph(*screen);
+  EXPECT_TRUE(waitFor([&] { return shows("We couldn’t save your photo."); }));
+  EXPECT_TRUE(screen->loadingView.lock()->isHidden());
+  std::filesystem::create_directory(directory.path() / "uploads");
   photograph(*screen);
   EXPECT_TRUE(waitForTop<CongratsViewController>());
 }
@@ -206,7 +217,7 @@ TEST_F(Documents, StayWhereTheBackendDoesNotAnswerAndCanBeLeft) {
   photograph(*screen);
   ASSERT_TRUE(
       watchUntil([&] { return countOf("record_authentication_document_video_back") == 1; }));
-  EXPECT_TRUE(shows("Sending your"));
+  EXPECT_TRUE(waitFor([&] { return shows("Your photo wasn’t sent"); }));
   EXPECT_FALSE(navigation()->goBack());
   click(flowWindow(), {345, 28});
   finishMotion();
@@ -250,6 +261,8 @@ TEST_F(Documents, StayAsTheyAreWithoutACamera) {
   finishMotion();
   EXPECT_EQ(screen->presentedViewController(), nullptr);
   EXPECT_EQ(output.lines(), lines);
+  EXPECT_TRUE(shows("No camera was found. Connect one and try again."));
+  EXPECT_TRUE(usableButton(*screen->view(), "Take photo"));
 }
 
 // In a tree whose bundle has lost one outline and holds a damaged one; run by the next test.

@@ -1,7 +1,9 @@
 #include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIDevice.h"
+#include "platform/uikit/UILabel.h"
 #include "sdk/ui/Extensions.h"
 #include "tests/sdk/capture/CaptureFlowTest.h"
+#include "tests/support/FileSizeLimit.h"
 
 namespace kestrova {
 namespace {
@@ -244,6 +246,7 @@ TEST_F(Selfie, AsksForTheCameraAndOpensTheSettings) {
     tap(*alert, "OK");
     finishMotion();
     EXPECT_EQ(opened, 1) << version;
+    EXPECT_TRUE(shows("Camera access is off for this app. Turn it on in the system settings."));
   }
   UIDevice::current().setSystemVersion("");
   UIApplication::shared()->openSettings = {};
@@ -257,7 +260,9 @@ TEST_F(Selfie, LeadsToTheWarningWithoutKeysTheAuthenticationKeyFirst) {
   open();
   Kestrova::authentication_key.reset();
   takeSelfie();
-  ASSERT_TRUE(waitForTop<WarningViewController>());
+  const auto warning = waitForTop<WarningViewController>();
+  ASSERT_TRUE(warning);
+  EXPECT_EQ(warning->messageLabel.lock()->text(), "We couldn’t start the verification.");
   EXPECT_EQ(linesThatBegin("Auth key not initialized").size(), 1U);
   push<MoveHeadViewController>("MoveHead");
   Kestrova::authentication_key = "A";
@@ -308,6 +313,9 @@ TEST_F(Selfie, CanBeLeftDuringTheRunTheEncodingAndTheUpload) {
   takeSelfie();
   ASSERT_TRUE(watchUntil([&] { return !screen->loadingView.lock()->isHidden(); }));
   EXPECT_TRUE(shows("Sending your video"));
+  EXPECT_FALSE(shows("Still sending"));
+  advance(15);
+  EXPECT_TRUE(shows("Still sending. Check the connection, or close and start again."));
   click(flowWindow(), kClose);
   finishMotion();
   EXPECT_EQ(wrapper->presentedViewController(), nullptr);
@@ -330,6 +338,62 @@ TEST_F(Selfie, OpensNothingOverTheScreenThatComesAfterIt) {
     wrapper->dismiss(false);
     settle();
   }
+}
+
+TEST_F(Selfie, SaysThatTheCameraStartsInTheFrameOfTheTap) {
+  const auto screen = open();
+  const auto button = usableButton(*screen->view(), "Start");
+  press(*button, middle(*button));
+  release(*button, middle(*button));
+  EXPECT_TRUE(shows("Starting the camera"));
+  // A second tap starts nothing more.
+  click(*button);
+  ASSERT_TRUE(watchUntil([&] { return screen->presentedViewController() != nullptr; }));
+  finishMotion();
+  EXPECT_EQ(button->title(), "Start");
+}
+
+TEST_F(Selfie, SaysWhatFailedAndCanBeTakenAgain) {
+  constexpr const char* kNotSaved =
+      "We couldn’t save your video. Make sure this device has free storage, then try again.";
+  const auto screen = open();
+  const auto failsOnce = [&](const char* what) {
+    takeSelfie();
+    EXPECT_TRUE(waitFor([&] { return shows(kNotSaved); }, std::chrono::seconds(5))) << what;
+    EXPECT_TRUE(screen->loadingView.lock()->isHidden()) << what;
+    finishMotion();
+    EXPECT_TRUE(usableButton(*screen->view(), "Start")) << what;
+    EXPECT_EQ(countOf("record_face_video"), 0U) << what;
+  };
+  // A file where the directory is to be.
+  std::filesystem::create_directories(directory.path() / "data");
+  const auto documents = FileManager::documentDirectory().value();
+  std::filesystem::remove_all(documents);
+  std::ofstream(documents) << "in the way";
+  failsOnce("no documents directory");
+  std::filesystem::remove(documents);
+  {
+    const test::FileSizeLimit full(64);
+    failsOnce("full disk");
+  }
+  std::filesystem::remove(directory.path() / "uploads");
+  failsOnce("no temporary directory");
+  std::filesystem::create_directory(directory.path() / "uploads");
+  rehearse({.initializes = false});
+  tap(*screen, "Start");
+  EXPECT_TRUE(watchUntil([&] { return shows("We couldn’t start the selfie check. Try again."); }));
+  rehearse({});
+  // The backend may have the video: the overlay stays.
+  play("malformed-json@record_face_video:once");
+  takeSelfie();
+  EXPECT_TRUE(watchUntil([&] { return shows("Your video wasn’t sent"); }));
+  EXPECT_TRUE(shows("Check the connection, then close and start again."));
+  EXPECT_FALSE(screen->loadingView.lock()->isHidden());
+  wrapper->dismiss(false);
+  settle();
+  open();
+  takeSelfie();
+  EXPECT_TRUE(waitForTop<ChooseDocumentTypeViewController>());
 }
 
 TEST_F(Selfie, IsGivenUpWhenTheWindowIsHidden) {

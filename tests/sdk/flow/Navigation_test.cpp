@@ -196,6 +196,8 @@ TEST_F(Flow, LeadsToTheWarningWhereAKeyIsMissing) {
   EXPECT_TRUE(linesThatBegin("Auth key not initialized").empty());
   // Back, for the backend may have answered meanwhile.
   EXPECT_EQ(warning->leaveButton.lock()->title(), "Try again");
+  EXPECT_EQ(warning->messageLabel.lock()->text(),
+            "We couldn’t start the verification. Please try again.");
   click(*warning->leaveButton.lock());
   finishMotion();
   ASSERT_TRUE(top<ChooseCitizenViewController>());
@@ -665,6 +667,29 @@ TEST_F(Flow, WritesLateAnswersDownAndTouchesNoScreen) {
   EXPECT_TRUE(email->spinner.lock()->isHidden());
   EXPECT_EQ(top<CheckEmailViewController>(), email);
   EXPECT_EQ(server->requests().size(), 5U);
+}
+
+TEST_F(Flow, SaysThatTheEmailIsNotSentYetOrNotAtAll) {
+  for (const auto* scenario : {"never-answers:once", "malformed-json:once"}) {
+    start();
+    const auto email = push<CheckEmailViewController>("CheckEmail");
+    const auto label = email->waitLabel.lock();
+    play(scenario);
+    typeInto(*email->emailTextfield.lock(), "ada@example.com");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(label->isHidden());
+    if (scenario == std::string_view("never-answers:once")) {
+      advance(15);
+      EXPECT_EQ(label->text(), "Still sending. Check the connection, or close and start again.");
+    } else {
+      EXPECT_TRUE(waitFor([&] { return !label->isHidden(); }));
+      EXPECT_EQ(label->text(),
+                "Your email wasn’t sent. Check the connection, then close and start again.");
+    }
+    EXPECT_FALSE(label->isHidden());
+    EXPECT_FALSE(email->spinner.lock()->isHidden());
+    close();
+  }
 }
 
 TEST_F(Flow, IsPresentedWhateverTheBackendDoesAndRunsTwice) {
