@@ -16,6 +16,7 @@
 #include "sdk/flow/LivenessScore.h"
 #include "sdk/flow/NextStep.h"
 #include "sdk/flow/Segues.h"
+#include "sdk/flow/VerificationStart.h"
 #include "sdk/media/VideoWriter.h"
 #include "sdk/ui/Extensions.h"
 #include "sdk/ui/SpinnerView.h"
@@ -242,6 +243,7 @@ void MoveHeadViewController::uploadVideoAndLivenessScore(const std::filesystem::
   }
   const std::string apiKey = *Kestrova::apiKey;
   const std::string authentication_key = *Kestrova::authentication_key;
+  VerificationStart::uploadBegan(*this);
   API::recordFaceVideo(
       url, apiKey, authentication_key,
       [weak = std::weak_ptr(shared(this)), apiKey,

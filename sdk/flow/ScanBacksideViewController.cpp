@@ -6,6 +6,7 @@
 #include "sdk/backend/API.h"
 #include "sdk/flow/NextStep.h"
 #include "sdk/flow/Segues.h"
+#include "sdk/flow/VerificationStart.h"
 #include "sdk/media/VideoPhotoCaptureHelper.h"
 
 namespace kestrova {
@@ -23,6 +24,7 @@ void ScanBacksideViewController::takePhotoOfBacksideDocument(const std::shared_p
 void ScanBacksideViewController::uploadBackSideScan(const std::filesystem::path& url) {
   const auto keys = keysOrError(Segues::showErrorScreenfromScanIDBackside);
   if (!keys) return;
+  VerificationStart::uploadBegan(*this);
   API::recordAuthenticationDocumentPicBACK(
       url, keys->apiKey, keys->authentication_key,
       [weak = std::weak_ptr(shared(this)), keys = *keys](const JSONDictionary&) {

@@ -7,6 +7,7 @@
 #include "sdk/backend/API.h"
 #include "sdk/flow/NextStep.h"
 #include "sdk/flow/Segues.h"
+#include "sdk/flow/VerificationStart.h"
 #include "sdk/media/VideoPhotoCaptureHelper.h"
 
 namespace kestrova {
@@ -31,6 +32,7 @@ void ScanIDInstructionsViewController::takePhotoOfFrontDocument(const std::share
 void ScanIDInstructionsViewController::uploadFrontPicDocument(const std::filesystem::path& url) {
   const auto keys = keysOrError(Segues::showErrorScreenfromScanID);
   if (!keys) return;
+  VerificationStart::uploadBegan(*this);
   API::recordAuthenticationDocumentPicFRONT(
       url, keys->apiKey, keys->authentication_key,
       [weak = std::weak_ptr(shared(this)), keys = *keys](const JSONDictionary&) {

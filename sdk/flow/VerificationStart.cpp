@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "platform/uikit/UIAlertController.h"
 #include "platform/uikit/UIBindings.h"
 #include "sdk/flow/Animations.h"
 #include "sdk/flow/CheckEmailViewController.h"
@@ -11,6 +12,7 @@
 #include "sdk/flow/MoveHeadViewController.h"
 #include "sdk/flow/ScanBacksideViewController.h"
 #include "sdk/flow/ScanIDInstructionsViewController.h"
+#include "sdk/flow/WarningViewController.h"
 #include "sdk/ui/ProgressStepsView.h"
 
 namespace kestrova {
@@ -79,13 +81,54 @@ std::shared_ptr<UIViewController> VerificationStart::contentScreen() {
                             : children().front()->contentScreen();
 }
 
+void VerificationStart::uploadBegan(const UIViewController& screen) {
+  for (auto above = screen.parent(); above; above = above->parent()) {
+    if (auto* const flow = dynamic_cast<VerificationStart*>(above.get())) flow->hasUpload_ = true;
+  }
+}
+
+bool VerificationStart::asksBeforeLeaving() const {
+  const auto navigation =
+      children().empty() ? nullptr
+                         : std::dynamic_pointer_cast<UINavigationController>(children().front());
+  const auto top = navigation ? navigation->topViewController() : nullptr;
+  if (!hasUpload_ || !top || dynamic_cast<const CongratsViewController*>(top.get())) return false;
+  const auto* const warning = dynamic_cast<const WarningViewController*>(top.get());
+  return !warning || warning->canTryAgain();
+}
+
 void VerificationStart::exitVerification(const std::shared_ptr<UIControl>&) {
-  endPresentation(true);
+  leave();
 }
 
 bool VerificationStart::accessibilityPerformEscape() {
-  endPresentation(true);
+  leave();
   return true;
+}
+
+void VerificationStart::leave() {
+  const auto presented = presentedViewController();
+  if (!presented && asksBeforeLeaving()) return ask();
+  // The second tap of a double tap must not answer the question.
+  if (presented && presented == question_.lock() && !isQuestionReadable_) return;
+  endPresentation(true);
+}
+
+void VerificationStart::ask() {
+  const auto question = std::make_shared<UIAlertController>(
+      "Leave the verification?", "You’ll need to start again from the beginning.");
+  const std::weak_ptr<VerificationStart> weak = shared(this);
+  question->addAction(std::make_shared<UIAlertAction>("Stay", UIAlertActionStyle::cancel));
+  question->addAction(std::make_shared<UIAlertAction>("Leave", UIAlertActionStyle::standard,
+                                                      [weak](UIAlertAction&) {
+                                                        if (const auto alive = weak.lock())
+                                                          alive->endPresentation(true);
+                                                      }));
+  question_ = question;
+  isQuestionReadable_ = false;
+  present(question, true, [weak] {
+    if (const auto alive = weak.lock()) alive->isQuestionReadable_ = true;
+  });
 }
 
 }  // namespace kestrova

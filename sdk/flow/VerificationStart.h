@@ -26,9 +26,23 @@ class VerificationStart : public UIViewController, public UINavigationController
   void navigationControllerWillShow(UINavigationController& navigation, UIViewController& screen,
                                     bool animated) override;
   std::shared_ptr<UIViewController> contentScreen() override;
-  // Ends the whole flow.
+  // Ends the whole flow. After the first upload it asks once before that, unless there is nothing
+  // left to lose; pressed again over the question, it ends the flow.
   void exitVerification(const std::shared_ptr<UIControl>& sender);
+  // As exitVerification().
   bool accessibilityPerformEscape() override;
+  // From a screen of the flow whose upload begins.
+  static void uploadBegan(const UIViewController& screen);
+
+ private:
+  bool asksBeforeLeaving() const;
+  void ask();
+  void leave();
+
+  bool hasUpload_ = false;
+  // The question, and whether its motion has ended.
+  std::weak_ptr<UIViewController> question_;
+  bool isQuestionReadable_ = false;
 };
 
 }  // namespace kestrova

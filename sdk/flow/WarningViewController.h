@@ -23,8 +23,7 @@ class WarningViewController : public UIViewController {
   void viewDidLoad() override;
   std::shared_ptr<UIView> preferredFocusView() override;
   void leaveTapped(const std::shared_ptr<UIControl>& sender);
-
- private:
+  // True when the screen below can be used again.
   bool canTryAgain() const;
 };
 

@@ -178,6 +178,17 @@ class CaptureFlowTest : public FlowTest {
     finishMotion();
   }
 
+  // The close control, and "Leave" of the question that it asks after an upload.
+  void closeAndLeave() {
+    click(flowWindow(), {345, 28});
+    finishMotion();
+    const auto flow = wrapper->presentedViewController();
+    ASSERT_TRUE(flow && flow->presentedViewController());
+    tap(*flow->presentedViewController(), "Leave");
+    finishMotion();
+    EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+  }
+
   // To be called before the first request.
   std::shared_ptr<Sending> sent(const std::string& step) {
     if (!telling_) {

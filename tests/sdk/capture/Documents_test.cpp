@@ -70,7 +70,14 @@ TEST_F(Documents, LeadFromTheFrontToTheBackButForAPassport) {
     settle();
   }
   play("status-500-object@record_authentication_document_video:once");
-  photograph(*openFront("PASSPORT"));
+  start();
+  const auto type = push<ChooseDocumentTypeViewController>("ChooseDocumentType");
+  type->didClickOnCell("PASSPORT");
+  tap(*type, "Next");
+  const auto page = waitForTop<ScanIDInstructionsViewController>();
+  EXPECT_TRUE(shows("Take a photo of the photo page"));
+  EXPECT_TRUE(shows("Step 5 of 5"));
+  photograph(*page);
   ASSERT_TRUE(waitForTop<CongratsViewController>());
   ASSERT_TRUE(watchUntil([&] {
     return linesThatBegin("checkAuthenticationDocumentPicFRONT response: [").size() == 5;
@@ -219,9 +226,7 @@ TEST_F(Documents, StayWhereTheBackendDoesNotAnswerAndCanBeLeft) {
       watchUntil([&] { return countOf("record_authentication_document_video_back") == 1; }));
   EXPECT_TRUE(waitFor([&] { return shows("Your photo wasn’t sent"); }));
   EXPECT_FALSE(navigation()->goBack());
-  click(flowWindow(), {345, 28});
-  finishMotion();
-  EXPECT_EQ(wrapper->presentedViewController(), nullptr);
+  closeAndLeave();
 
   // With the camera up, and a camera that goes.
   auto again = openFront("PASSPORT");

@@ -316,6 +316,41 @@ TEST_F(Selfie, CanBeLeftDuringTheRunTheEncodingAndTheUpload) {
   EXPECT_FALSE(shows("Still sending"));
   advance(15);
   EXPECT_TRUE(shows("Still sending. Check the connection, or close and start again."));
+  closeAndLeave();
+}
+
+TEST_F(Selfie, AsksBeforeItIsLostThroughCloseOrEscape) {
+  open();
+  takeSelfie();
+  ASSERT_TRUE(waitForTop<ChooseDocumentTypeViewController>());
+  const auto flow = wrapper->presentedViewController();
+  const auto question = [&] {
+    return std::dynamic_pointer_cast<UIAlertController>(flow->presentedViewController());
+  };
+  // The second tap of a double tap does not answer.
+  click(flowWindow(), kClose);
+  click(flowWindow(), kClose);
+  finishMotion();
+  ASSERT_TRUE(question());
+  EXPECT_EQ(question()->title(), "Leave the verification?");
+  EXPECT_EQ(question()->actions().front()->title(), "Stay");
+  tap(*question(), "Stay");
+  finishMotion();
+  EXPECT_TRUE(top<ChooseDocumentTypeViewController>());
+  // Escape asks too, and stays.
+  QTest::keyClick(flowWindow().widget(), Qt::Key_Escape);
+  finishMotion();
+  ASSERT_TRUE(question());
+  QTest::keyClick(flowWindow().widget(), Qt::Key_Escape);
+  finishMotion();
+  EXPECT_FALSE(question());
+  closeAndLeave();
+  // Nothing is left to lose at the end.
+  open();
+  takeSelfie();
+  ASSERT_TRUE(waitForTop<ChooseDocumentTypeViewController>());
+  push<CongratsViewController>("Congrats");
+  finishMotion();
   click(flowWindow(), kClose);
   finishMotion();
   EXPECT_EQ(wrapper->presentedViewController(), nullptr);
