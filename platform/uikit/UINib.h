@@ -14,8 +14,8 @@ namespace kestrova::platform {
 class UIResponder;
 class UIView;
 
-// The file <nibName>.ui of a bundle: a view, with all that lies in it, as it was designed. Main
-// thread.
+// The file of a bundle named after the nib, with the extension "ui": a view, with all that lies in
+// it, as it was designed. Main thread.
 class UINib {
  public:
   // Nothing is read yet.
