@@ -47,12 +47,14 @@ std::optional<NSError> tryToOpen() {
   return std::nullopt;
 }
 
-// Empty where the configuration names no camera there, or one that is not there.
+// Empty where the configuration names no camera there, one that is not there, or a device that is
+// no camera.
 CameraConfiguration::Maker named(const std::filesystem::path& path,
                                  const CameraConfiguration::Maker& source) {
   if (source) return source;
   std::error_code none;
   if (path.empty() || !std::filesystem::exists(path, none)) return {};
+  if (V4L2Device::isDevice(path) && !V4L2Device::isCamera(path)) return {};
   return [path] { return CameraConfiguration::source(path); };
 }
 

@@ -16,7 +16,7 @@ class AVCaptureDevice {
   enum class Position { unspecified = 0, back = 1, front = 2 };
 
   // The camera at that position, the other one where there is none; none in a process without
-  // cameras. Looks for the device or file and opens nothing.
+  // cameras. Asks a video device for its kind without starting it; never waits.
   static std::optional<AVCaptureDevice> defaultDevice(Position position);
 
   // Whether the process may have a camera; asks nobody: the answer is whether the front camera, or

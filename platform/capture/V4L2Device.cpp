@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <system_error>
 
 #include <fcntl.h>
@@ -20,10 +21,12 @@ FileDescriptor open(const std::filesystem::path& path) {
   return FileDescriptor(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
 }
 
+const char* folder = "/dev";
+
 std::vector<std::filesystem::path> devices() {
   std::vector<std::filesystem::path> found;
   std::error_code none;
-  for (const auto& entry : std::filesystem::directory_iterator("/dev", none)) {
+  for (const auto& entry : std::filesystem::directory_iterator(folder, none)) {
     const auto name = entry.path().filename().string();
     if (name.starts_with("video") && entry.is_character_file(none)) found.push_back(entry.path());
   }
@@ -60,17 +63,25 @@ bool setLamp(const FileDescriptor& device, int mode) {
 
 }  // namespace
 
+void V4L2Device::setFolder(const char* path) {
+  folder = path;
+}
+
 bool V4L2Device::isThere() {
-  return !devices().empty();
+  return std::ranges::any_of(devices(), isCamera);
 }
 
 std::vector<std::filesystem::path> V4L2Device::cameras() {
   auto found = devices();
-  std::erase_if(found, [](const auto& path) {
-    const auto device = open(path);
-    return device && !givesPictures(device);
-  });
+  std::erase_if(found, std::not_fn(isCamera));
   return found;
+}
+
+bool V4L2Device::isCamera(const std::filesystem::path& path) {
+  const auto device = open(path);
+  if (device) return givesPictures(device);
+  // These say that no device is behind the node.
+  return errno != ENODEV && errno != ENXIO && errno != ENOENT;
 }
 
 bool V4L2Device::isDevice(const std::filesystem::path& path) {

@@ -10,9 +10,12 @@ namespace kestrova::platform {
 
 // What is asked of a video device directly, without the media framework. Any thread.
 struct V4L2Device {
-  // Whether the system has video devices at all, cameras or not. Opens nothing.
+  // True if the device gives pictures, unlike the nodes of codecs and metadata, or cannot be opened
+  // now because it is busy or not permitted. Starts nothing and never waits.
+  static bool isCamera(const std::filesystem::path& path);
+  // True if the system has a camera.
   static bool isThere();
-  // The system's devices that give pictures, those that cannot be opened now included.
+  // The system's cameras.
   static std::vector<std::filesystem::path> cameras();
   // Whether the path is a device's.
   static bool isDevice(const std::filesystem::path& path);
@@ -21,6 +24,9 @@ struct V4L2Device {
   static Result<Done> check(const std::filesystem::path& path);
 
   static bool hasFlash(const std::filesystem::path& path);
+  // The folder of the system's devices, for tests; /dev by default. Must outlive its use.
+  static void setFolder(const char* path);
+
   // Lights the lamp of a device that has one until the token goes; null without one.
   static std::shared_ptr<const void> light(const std::filesystem::path& path);
 };
