@@ -19,10 +19,12 @@ ImageResult decodeJPEG(std::string_view file) {
   if (!reader) return reader.error();
   auto& rows = *reader.value();
   const auto image = CGImage::make(rows.width(), rows.height());
+  const auto profile = rows.colorProfile();
   for (std::size_t y = 0; y < image->height(); ++y) {
     const auto* const row = rows.next();
     if (!row) return graphicsError(GraphicsErrorCode::damaged, "a damaged JPEG file");
     std::copy_n(row, image->width(), image->row(y).begin());
+    if (profile) profile->convert(image->row(y));
   }
   return std::shared_ptr<const CGImage>(image);
 }

@@ -5,6 +5,7 @@
 #include <bit>
 #include <csetjmp>
 #include <cstdio>
+#include <cstdlib>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,6 +30,11 @@ static_assert(std::endian::native == std::endian::little, "JCS_EXT_BGRA is taken
 constexpr int kMaximumScans = 50;
 // For the coefficients of a progressive picture of the maximum size, and the rest.
 constexpr long kMaximumMemory = 320L << 20;
+
+struct Free {
+  // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the library's own way.
+  void operator()(void* memory) const { std::free(memory); }
+};
 
 // The library reports errors by a jump out of its functions.
 struct Errors {
@@ -168,6 +174,7 @@ Result<std::unique_ptr<JPEGReader>> JPEGReader::open(std::string_view data) {
     info->progress = &state->progress;
     info->mem->max_memory_to_use = kMaximumMemory;
     jpeg_save_markers(info, JPEG_APP0 + 1, 0xffff);
+    jpeg_save_markers(info, JPEG_APP0 + 2, 0xffff);
     jpeg_mem_src(info, reinterpret_cast<const unsigned char*>(data.data()),
                  static_cast<unsigned long>(data.size()));
     jpeg_read_header(info, TRUE);
@@ -195,6 +202,16 @@ std::size_t JPEGReader::height() const {
 
 UIImageOrientation JPEGReader::orientation() const {
   return state_->orientation();
+}
+
+std::shared_ptr<const ColorProfile> JPEGReader::colorProfile() {
+  auto& state = *state_;
+  if (state.info.num_components != 3) return nullptr;
+  JOCTET* icc = nullptr;
+  unsigned size = 0;
+  state.run([&] { jpeg_read_icc_profile(&state.info, &icc, &size); });
+  const std::unique_ptr<JOCTET, Free> owned(icc);
+  return ColorProfile::make({reinterpret_cast<const char*>(icc), size});
 }
 
 const std::uint32_t* JPEGReader::next() {

@@ -8,7 +8,9 @@
 
 #include <png.h>
 
+#include "platform/graphics/ColorProfile.h"
 #include "platform/graphics/GraphicsError.h"
+#include "platform/graphics/PremultipliedAlpha.h"
 
 namespace kestrova::platform {
 
@@ -16,6 +18,10 @@ namespace {
 
 // Deflate expands a byte to at most 1032.
 constexpr std::size_t kMaximumExpansion = 1032;
+
+png_const_bytep bytesOf(const char* text) {
+  return reinterpret_cast<png_const_bytep>(text);
+}
 
 struct Decoder {
   explicit Decoder(std::string_view data) : rest(data) {
@@ -54,8 +60,9 @@ struct Decoder {
     return run([this] {
       png_set_read_fn(png, this, read);
       png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-      // Texts, profiles and the like: nobody reads them, and they may be large when unpacked.
+      // Texts and the like: nobody reads them, and they may be large when unpacked.
       png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+      png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_AS_DEFAULT, bytesOf("iCCP"), 1);
       png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_DISCARD);
       png_read_info(png, info);
     });
@@ -90,15 +97,15 @@ Result<PNGReader::Size> checkedSize(Decoder& decoder, std::size_t dataSize) {
   return PNGReader::Size{width, height};
 }
 
-void premultiply(std::span<std::uint32_t> pixels) {
-  for (auto& pixel : pixels) {
-    const auto alpha = pixel >> 24U;
-    if (alpha == 255) continue;
-    const auto part = [&](unsigned shift) {
-      return ((pixel >> shift & 0xffU) * alpha + 127) / 255 << shift;
-    };
-    pixel = alpha << 24U | part(16) | part(8) | part(0);
-  }
+// The colour space that the file states.
+std::shared_ptr<const ColorProfile> colorProfile(const Decoder& decoder) {
+  png_charp name = nullptr;
+  png_bytep icc = nullptr;
+  png_uint_32 size = 0;
+  int compression = 0;
+  if (png_get_iCCP(decoder.png, decoder.info, &name, &compression, &icc, &size) == 0)
+    return nullptr;
+  return ColorProfile::make({reinterpret_cast<const char*>(icc), size});
 }
 
 }  // namespace
@@ -127,7 +134,9 @@ Result<std::shared_ptr<const CGImage>> PNGReader::decode(std::string_view data) 
     png_read_image(decoder.png, rows.data());
   });
   if (!isRead) return damaged(decoder);
-  premultiply(image->pixels());
+  const auto pixels = image->pixels();
+  std::ranges::transform(pixels, pixels.begin(), premultiplied);
+  if (const auto profile = colorProfile(decoder)) profile->convert(pixels);
   return std::shared_ptr<const CGImage>(image);
 }
 

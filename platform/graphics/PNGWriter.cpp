@@ -9,6 +9,7 @@
 #include <zlib.h>
 
 #include "platform/graphics/GraphicsError.h"
+#include "platform/graphics/PremultipliedAlpha.h"
 #include "platform/graphics/RowFilter.h"
 
 namespace kestrova::platform {
@@ -105,16 +106,11 @@ void writeRGB(std::span<const std::uint32_t> pixels, std::uint8_t* to) {
 
 void writeRGBA(std::span<const std::uint32_t> pixels, std::uint8_t* to) {
   for (const auto pixel : pixels) {
-    const auto alpha = pixel >> 24U;
-    const auto whole = [&](unsigned shift) {
-      const auto premultiplied = pixel >> shift & 0xffU;
-      return static_cast<std::uint8_t>(
-          alpha == 0 ? 0 : std::min((premultiplied * 255 + alpha / 2) / alpha, 255U));
-    };
-    to[0] = whole(16);
-    to[1] = whole(8);
-    to[2] = whole(0);
-    to[3] = static_cast<std::uint8_t>(alpha);
+    const auto whole = straight(pixel);
+    to[0] = part(whole, 16);
+    to[1] = part(whole, 8);
+    to[2] = part(whole, 0);
+    to[3] = part(whole, 24);
     to += 4;
   }
 }

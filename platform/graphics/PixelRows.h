@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/graphics/CGImage.h"
+#include "platform/graphics/ColorProfile.h"
 
 namespace kestrova::platform {
 
@@ -23,6 +24,9 @@ class PixelRows {
   // `width()` pixels as in a CGImage, valid until the next call. Null where the picture is damaged,
   // and from then on.
   virtual const std::uint32_t* next() = 0;
+  // The conversion that the pixels of next() still need; null for sRGB. Takes milliseconds to make.
+  // Left to the caller, as converting after scaling down costs a fraction of converting every row.
+  virtual std::shared_ptr<const ColorProfile> colorProfile() { return nullptr; }
 };
 
 class BitmapRows : public PixelRows {

@@ -23,12 +23,12 @@ std::uint32_t word(const std::array<float, kChannels>& channels) {
 }  // namespace
 
 Scaler::Scaler(PixelRows& source, const AxisWeights& columns, const AxisWeights& rows)
-    : source_(source), columns_(columns), rows_(rows) {
+    : source_(source), columns_(columns), rows_(rows), profile_(source.colorProfile()) {
   if (columns.count() == 0) return;
   const auto last = columns.count() - 1;
   begin_ = columns.source(0);
   width_ = columns.source(last) + columns.weights(last).size() - begin_;
-  if (!rows.isCopy() || !columns.isCopy()) {
+  if (!rows.isCopy() || !columns.isCopy() || profile_) {
     sums_.resize(width_ * kChannels);
     output_.resize(columns.count());
   }
@@ -91,6 +91,7 @@ const std::uint32_t* Scaler::next() {
   }
   ++row_;
   resolve();
+  if (profile_) profile_->convert(output_);
   return output_.data();
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "platform/graphics/AxisWeights.h"
@@ -10,7 +11,7 @@
 namespace kestrova::platform {
 
 // Makes the rows of a picture in another size, reading the source once and holding a few rows of
-// it.
+// it. What it makes is in sRGB.
 class Scaler {
  public:
   // `columns` and `rows` are the weights of the two axes; all three must outlive the scaler.
@@ -28,6 +29,7 @@ class Scaler {
   PixelRows& source_;
   const AxisWeights& columns_;
   const AxisWeights& rows_;
+  std::shared_ptr<const ColorProfile> profile_;
   const std::uint32_t* current_ = nullptr;
   std::size_t sourceY_ = 0;
   std::size_t row_ = 0;
