@@ -1,6 +1,7 @@
 #include "sdk/media/VideoWriter.h"
 
 #include <cstdlib>
+#include <limits>
 #include <sstream>
 
 #include "platform/dispatch/RunLoop.h"
@@ -64,6 +65,16 @@ std::string lines(const std::vector<std::string>& all) {
   std::string text;
   for (const auto& line : all) text += line + "\n";
   return text;
+}
+
+TEST(CMTime, AddsInACommonTimescaleAndIsInvalidIfTheSumDoesNotFit) {
+  EXPECT_EQ(CMTimeMake(1, 2) + CMTimeMake(1, 3), CMTimeMake(5, 6));
+  constexpr std::int32_t kPrime = std::numeric_limits<std::int32_t>::max();
+  EXPECT_FALSE((CMTimeMake(1, kPrime) + CMTimeMake(1, kPrime - 1)).isValid());
+  constexpr auto kLongest = std::numeric_limits<std::int64_t>::max();
+  EXPECT_FALSE((CMTimeMake(kLongest, 1) + CMTimeMake(1, 1)).isValid());
+  EXPECT_FALSE((CMTime{1, 1, kCMTimeFlags_Valid, 1} + kCMTimeZero).isValid());
+  EXPECT_FALSE((CMTime() + kCMTimeZero).isValid());
 }
 
 TEST_F(VideoWriterTest, ShowsAPictureEachFifthOfASecond) {
