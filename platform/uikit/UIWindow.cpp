@@ -69,8 +69,11 @@ class UIWindow::VisibilityWatch : public QObject {
     if (type == QEvent::Show && object == window_.widget()) {
       window_.widget()->window()->installEventFilter(this);
     }
-    if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowStateChange) {
-      window_.visibilityChanged();
+    if (type == QEvent::Show || type == QEvent::WindowStateChange) window_.visibilityChanged();
+    // A window that is being destroyed is hidden first; nobody may change its widgets then.
+    if (type == QEvent::Hide && window_.widget()) {
+      QMetaObject::invokeMethod(
+          this, [this] { window_.visibilityChanged(); }, Qt::QueuedConnection);
     }
     return QObject::eventFilter(object, event);
   }

@@ -256,6 +256,13 @@ TEST_F(Documents, ReturnToTheirInstructionsWhenTheWindowIsHidden) {
   EXPECT_TRUE(waitForTop<CongratsViewController>());
 }
 
+TEST_F(Documents, LetAHostEndItsWindowWhileTheCameraIsUp) {
+  openPicker(*openFront("PASSPORT"));
+  ASSERT_TRUE(watchUntil([&] { return device->calls().back() == "start"; }));
+  destroyHost();
+  EXPECT_TRUE(waitFor([&] { return device->calls().back() == "stop"; }));
+}
+
 TEST_F(Documents, StayAsTheyAreWithoutACamera) {
   const auto screen = openFront("PASSPORT");
   CameraConfiguration cameras;
