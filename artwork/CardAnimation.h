@@ -5,8 +5,8 @@
 
 namespace kestrova::artwork {
 
-// A hand brings a tilted document with the light of a lamp on it straight into a frame, whose four
-// corners then come on one after the other.
+// A hand straightens a tilted document with glare on it inside a frame, whose four corners then
+// light up one after the other.
 class CardAnimation : public Animation {
  public:
   explicit CardAnimation(DocumentSide side) : side_(side) {}

@@ -36,7 +36,7 @@ void setAccessError(std::optional<NSError> error) {
   lastAccessError().error = std::move(error);
 }
 
-// Nothing where the front camera opens and gives a picture.
+// Opens the front camera and waits for a picture; returns the error if either fails.
 std::optional<NSError> tryToOpen() {
   const auto device = AVCaptureDevice::defaultDevice(Position::front);
   const auto source = device ? device->makeSource() : nullptr;

@@ -26,7 +26,7 @@ class AVCaptureDevice {
   static void requestAccess(const std::string& forMediaType,
                             std::function<void(bool granted)> completionHandler);
 
-  // Why the last request for access was not granted; none after a grant. Any thread.
+  // Reason why the last request for access was refused; none if it was granted. Any thread.
   static std::optional<NSError> accessError();
 
   Position position() const { return position_; }

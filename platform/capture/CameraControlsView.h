@@ -34,7 +34,7 @@ class CameraControlsView : public UIView {
   State state() const { return state_; }
   // The switch is there for a camera that has a flash.
   void setFlash(bool hasFlash, CameraFlashMode mode);
-  // The control that the state is about; null while there is nothing to do but wait.
+  // The main control of the current state; null while the user can only wait.
   std::shared_ptr<UIView> primaryControl() const;
 
   std::function<void()> onShutter;

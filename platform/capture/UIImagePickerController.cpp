@@ -89,7 +89,7 @@ class UIImagePickerController::PickerView : public UIView {
     setNeedsLayout();
   }
 
-  // True until the first picture: says that the camera is being started.
+  // When true, shows that the camera is starting. True until the first picture.
   void setStarting(bool isStarting) { status_->setHidden(!isStarting); }
 
   // Called with the pixels for a picture when they have changed.
@@ -209,7 +209,7 @@ std::shared_ptr<UIView> UIImagePickerController::preferredFocusView() {
 void UIImagePickerController::controlsChanged() {
   const auto window = content_->window();
   if (!window) return;
-  // Other buttons take the place of the shutter.
+  // New buttons replace the shutter: ignore the second tap of a double tap.
   if (content_->controls->state() != State::live) window->contentChanged(content_->controls);
   window->focusPreferredView();
 }

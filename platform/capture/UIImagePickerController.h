@@ -61,7 +61,7 @@ class UIImagePickerController : public UIViewController {
   class PickerView;
 
   CGSize sizeToCome() const;
-  // Another state: the focus goes to the control that it is about.
+  // Called after a change of state: moves the focus to the new state's main control.
   void controlsChanged();
   void open();
   void close();

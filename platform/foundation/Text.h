@@ -35,8 +35,8 @@ NSRange rangeOf(std::string_view text, std::string_view part);
 std::string trimmingWhitespacesAndNewlines(std::string_view text);
 std::string lowercased(std::string_view text);
 std::string uppercased(std::string_view text);
-// For lenient searches: without accents and other combining marks, every apostrophe straight. Keeps
-// the case.
+// For lenient searches: removes accents and other combining marks, and makes every apostrophe
+// straight. Keeps the case.
 std::string foldingAccentsAndApostrophes(std::string_view text);
 // Each word's first letter in upper case, the rest in lower case.
 std::string capitalized(std::string_view text);

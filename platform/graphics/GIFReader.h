@@ -43,7 +43,7 @@ class GIFReader {
   GIFReader& operator=(const GIFReader&) = delete;
   ~GIFReader();
 
-  // 0 where the file states none.
+  // 0 if the file states none.
   std::size_t screenWidth() const;
   std::size_t screenHeight() const;
 

@@ -77,8 +77,8 @@ void monitor(j_common_ptr common) {
   if (info->input_scan_number > kMaximumScans) errorExit(common);
 }
 
-// The file without zero bytes that stand in for its lost end, as after an interrupted copy: they
-// would decode to pixels. A single one is data, and so is the one that escapes a 0xff.
+// Drops trailing zero bytes, which an interrupted copy leaves in place of the data and which would
+// decode to pixels. Keeps a single zero byte and one that escapes a 0xff: both are data.
 std::string_view withoutFiller(std::string_view data) {
   const auto last = data.find_last_not_of('\0');
   if (last == data.npos || last + 2 >= data.size()) return data;
@@ -125,7 +125,7 @@ struct JPEGReader::State {
       return false;
     }
     step();
-    // Arithmetic coding leaves out zero bytes at the end of its data: a break looks the same.
+    // Arithmetic coding omits zero bytes at the end of its data, which looks like a truncation.
     failure.isDamaged |= failure.isAtEnd && (info.arith_code || !hasAllScans(info));
     return true;
   }

@@ -41,7 +41,7 @@ class DevelopmentScreen : public UIViewController {
   // Cancels.
   std::string accessibilityTitle() const override { return "Video selfie"; }
   bool accessibilityPerformEscape() override;
-  // None: Enter must not cancel the run that it has started.
+  // No preferred view: the Enter that started the run must not cancel it.
   std::shared_ptr<UIView> preferredFocusView() override { return nullptr; }
 
  private:

@@ -134,7 +134,7 @@ void DevelopmentView::layoutSubviews() {
                      {buttonWidth, kButtonHeight}});
   place(*notice_, cancel_->frame().minY() - kMargin, {});
   if (notice_->frame().minY() >= hint_->frame().maxY()) return;
-  // A low window has room beside the button alone.
+  // A low window has free space only beside the button.
   const auto text = notice_->sizeThatFits({cancel_->frame().minX() - 2 * kSide, size.height});
   notice_->setFrame({{kSide, cancel_->frame().midY() - text.height / 2}, text});
 }

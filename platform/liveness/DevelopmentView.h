@@ -32,11 +32,11 @@ class DevelopmentView : public UIView {
  private:
   CGRect frameOnScreen() const;
   CGRect ovalInFrame() const;
-  // The customisation's margin, in proportion where the view's height has changed since.
+  // The customisation's margin, scaled with the view's height since the first layout.
   double feedbackTop() const;
 
   ZoomCustomization customization_;
-  // The view's first height, for which the customisation was made.
+  // The view's height at the first layout, which the customisation's margin refers to.
   double designedHeight_ = 0;
   std::shared_ptr<OvalView> oval_;
   std::shared_ptr<UILabel> notice_;

@@ -16,7 +16,7 @@ int localPortOf(int socket) {
   sockaddr_in6 address{};
   socklen_t size = sizeof address;
   if (::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) return 0;
-  // The port has the same place in addresses of IPv4.
+  // The port is at the same offset in an IPv4 address.
   return ntohs(address.sin6_port);
 }
 

@@ -46,7 +46,7 @@ class CurlTransport final : public HTTPTransport {
 
   const HTTPTransportConfiguration configuration_;
   const pid_t process_;
-  // Before what closes them.
+  // Declared before the handles, so that it outlives them: they close its sockets.
   CurlSockets sockets_;
   std::unique_ptr<CURLM, CurlMultiDeleter> multi_;
 

@@ -70,8 +70,8 @@ class HTTPTransport : public std::enable_shared_from_this<HTTPTransport> {
   HTTPTransport& operator=(const HTTPTransport&) = delete;
   virtual ~HTTPTransport() = default;
 
-  // Sends a request, at most once: when its connection ends before the response, it has failed. A
-  // kept connection that the server has closed meanwhile is replaced before anything is written.
+  // Sends a request at most once: it fails if its connection ends before the response. A kept
+  // connection that the server has closed in the meantime is replaced before anything is written.
   // `completion` is called once, on the transport's own thread, where it must not
   // block; an answer of any status is a response. In a forked child it fails at once; uploads have
   // no thread to encode them there.

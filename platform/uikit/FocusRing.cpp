@@ -50,7 +50,7 @@ class FocusRing::Ring : public QWidget {
   }
   Ring(const Ring&) = delete;
   Ring& operator=(const Ring&) = delete;
-  // Nothing watches the input after the last one.
+  // Without a ring nothing observes the input.
   ~Ring() override {
     if (--rings == 0) lastInput = Input::none;
   }
@@ -62,7 +62,7 @@ class FocusRing::Ring : public QWidget {
         break;
       case QEvent::FocusIn: {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        // The focus comes back from another window or a menu: the ring is as it was.
+        // Focus that returns from another window or a menu leaves the ring unchanged.
         const bool returns =
             reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
         if (!returns) isWanted_ = lastInput != Input::pointer && byKeyboard(reason);

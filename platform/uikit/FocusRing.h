@@ -15,7 +15,7 @@ class FocusRing {
   FocusRing(const FocusRing&) = delete;
   FocusRing& operator=(const FocusRing&) = delete;
 
-  // True when the last input was a key. False without any input since the first ring was made.
+  // True when the last input was a key; false if there was none since the first ring was made.
   static bool isKeyboardInUse();
 
  private:

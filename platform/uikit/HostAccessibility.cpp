@@ -21,7 +21,7 @@ struct Cover {
   QWidget* cover;
 };
 
-// In the order in which they came. Usually empty or one.
+// The active covers, oldest first; rarely more than one.
 std::vector<Cover>& covers() {
   static auto& list = *new std::vector<Cover>;
   return list;
@@ -64,7 +64,7 @@ class StandIn : public QAccessibleWidget {
   QWidget& shown() const { return *widget(); }
 };
 
-// A widget that nobody can see or use.
+// Stands in for a hidden widget: no text, no children, no actions.
 class Nothing final : public StandIn {
  public:
   explicit Nothing(QWidget& widget) : StandIn(widget, QAccessible::NoRole) {}
@@ -110,14 +110,14 @@ bool isOurs(const QWidget& widget) {
   return UIView::of(&widget) || UIView::of(widget.parentWidget());
 }
 
-// Ends the toolkit's objects, so that standIn() is asked for new ones.
+// Discards the toolkit's accessible objects, so that it calls standIn() for new ones.
 void discardObjects(QWidget& window) {
   for (QWidget* const widget : window.findChildren<QWidget*>()) {
     if (!isOurs(*widget) && HostAccessibility::isCovered(*widget)) {
       discard(QAccessible::queryAccessibleInterface(widget));
     }
   }
-  // Entries of menus.
+  // Menu items.
   for (QAction* const action : window.findChildren<QAction*>()) {
     discard(QAccessible::queryAccessibleInterface(action));
   }
@@ -128,7 +128,7 @@ void discardObjects(QWidget& window) {
 
 HostAccessibility::HostAccessibility(QWidget& cover) {
   covers().push_back({this, cover.window(), &cover});
-  // Later: the action of one of these objects may be what presents the cover.
+  // Deferred, because an action of one of these objects may be presenting the cover.
   QTimer::singleShot(0, &cover, [&cover] {
     if (topmostCover(*cover.window()) == &cover) discardObjects(*cover.window());
   });

@@ -54,7 +54,7 @@ double ModalPresentation::cornerRadiusOf(const UIView& view) {
 
 namespace {
 
-// The first visible view of that role in `view`; null where there is none.
+// The first visible view of that role in `view`; null if there is none.
 const UIView* viewOfRole(const UIView& view, UIAccessibilityRole role) {
   if (view.isHidden()) return nullptr;
   if (view.accessibilityRole() == role) return &view;
@@ -72,7 +72,7 @@ class ModalPresentation::Stage : public UIView {
  public:
   void setScreen(const std::shared_ptr<UIView>& screen) {
     screen_ = screen;
-    // An alert is one itself.
+    // An alert has its own role.
     const bool isAlert = viewOfRole(*screen, UIAccessibilityRole::alert) != nullptr;
     setAccessibilityRole(isAlert ? UIAccessibilityRole::none : UIAccessibilityRole::dialog);
     screen->setAutoresizing(UIViewAutoresizing::none, {});

@@ -13,8 +13,8 @@ class NSLayoutConstraint {
  public:
   enum class Attribute { width, height };
 
-  // Where the superview is too small it gives way, down to `least` or, in a scroll view that shows
-  // less, to what can be seen of it; without that it never does.
+  // `least`: minimum in a superview that is too small; in a scroll view that shows less than
+  // `least`, the visible extent is the minimum. Without it the constraint never shrinks.
   NSLayoutConstraint(std::string identifier, Attribute attribute, double constant,
                      std::optional<double> least = std::nullopt)
       : identifier_(std::move(identifier)),

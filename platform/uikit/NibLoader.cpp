@@ -160,7 +160,7 @@ void NibLoader::replaceThemselves() {
     exchange(*before, now);
     object->view = now;
     object->isReplaced = true;
-    // The replacement came connected; these lead into the placeholder, which has gone.
+    // The replacement has its own connections; these point into the discarded placeholder.
     object->bindings = {};
   }
   // What was in a view that has gone is gone too.

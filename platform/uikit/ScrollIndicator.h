@@ -8,7 +8,7 @@ class QWidget;
 
 namespace kestrova::platform {
 
-// The thin bar that says how far a scroll view is scrolled, over its content. Main thread.
+// The thin bar over a scroll view's content that shows its scroll position. Main thread.
 class ScrollIndicator {
  public:
   explicit ScrollIndicator(QWidget& scrollView);
@@ -16,8 +16,8 @@ class ScrollIndicator {
   ScrollIndicator(const ScrollIndicator&) = delete;
   ScrollIndicator& operator=(const ScrollIndicator&) = delete;
 
-  // The way that the bar can take, in points of the scroll view's widget, and the share of the
-  // content that is above what is shown, and that is shown. Fades soon unless it stays.
+  // `track` is in points of the scroll view's widget; `above` and `shown` are the fractions of the
+  // content that lie above the visible part and in it. Fades out soon unless `stays`.
   void show(const CGRect& track, double above, double shown, bool stays = false);
   void hide();
 

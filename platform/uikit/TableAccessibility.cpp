@@ -30,8 +30,8 @@ class Row final : public QAccessibleInterface, public QAccessibleActionInterface
  public:
   Row(QWidget& widget, std::size_t row) : widget_(&widget), row_(row) {}
 
-  // The toolkit prints a line for each use of an object that is not valid. A row that has gone is
-  // still known to assistive technology for a while, so it stays and shows nothing.
+  // The toolkit logs a warning for each use of an invalid object, and assistive technology keeps
+  // references to removed rows for a while: such a row stays valid and reports itself invisible.
   bool isValid() const override { return true; }
   bool exists() const {
     const auto table = tableOf(widget_);

@@ -15,10 +15,10 @@ class TableAccessibility {
 
   static void rowsChanged(UITableView& table);
   static void selectionChanged(UITableView& table, std::size_t row);
-  // Assistive technology follows the row also where a field moves it and keeps the keyboard's
-  // focus.
+  // Reports `row` as focused to assistive technology, even while a text field that moves the mark
+  // keeps the keyboard's focus.
   static void focusChanged(UITableView& table, std::size_t row);
-  // No row is marked any more: assistive technology goes back to what has the keyboard's focus.
+  // No row is marked any more: reports the view that has the keyboard's focus instead.
   static void focusLost(UITableView& table);
 };
 

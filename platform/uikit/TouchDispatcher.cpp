@@ -23,7 +23,7 @@ void TouchDispatcher::began(CGPoint point, long long milliseconds) {
   cancelled();
   const auto hit = window_.hitTest(point);
   if (!hit || window_.ignoresTouches(*hit)) return;
-  // A new screen may be scrolled, but not tapped.
+  // A screen that has just appeared can be scrolled, but ignores taps.
   const bool isTap = !window_.ignoresTaps(*hit);
   const UITouch start = touch(point, hit);
   start_ = point;

@@ -50,7 +50,7 @@ void keep(QAccessible::Id announcement) {
   static std::size_t next = 0;
   const auto former = std::exchange(last[next], announcement);
   next = (next + 1) % last.size();
-  // Null where it went with a former application object.
+  // Null if it was deleted with an earlier application object.
   if (former) QAccessible::deleteAccessibleInterface(former);
 }
 
@@ -105,7 +105,7 @@ void postAccessibilityAnnouncement(const UIView& view, const std::string& text) 
   QWidget& window = *view.window()->widget();
   auto announcement = std::make_unique<Announcement>(window, QString::fromStdString(text));
   auto* const object = announcement.get();
-  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the toolkit takes it over.
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the toolkit takes ownership.
   keep(QAccessible::registerAccessibleInterface(announcement.release()));
   QAccessibleEvent event(object, QAccessible::ObjectShow);
   QAccessible::updateAccessibility(&event);

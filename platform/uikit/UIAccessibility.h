@@ -27,7 +27,7 @@ enum class UIAccessibilityRole {
 // The posts below tell assistive technology about a change. They do nothing while none is running.
 // Main thread.
 
-// Another screen will come into `window`. Without this, a dialog that was read because nothing in
+// Call before another screen comes into `window`. Otherwise a dialog that was read while nothing in
 // it had the focus would not be read again.
 void postAccessibilityScreenWillChange(const UIWindow& window);
 // Another screen has come to rest in `view`'s dialog and has been given the focus. If a view in it

@@ -44,7 +44,7 @@ class UINavigationController : public UIViewController {
   void pushViewController(const std::shared_ptr<UIViewController>& controller, bool animated);
   // Takes the top screen away and returns it; null where it is the only one.
   std::shared_ptr<UIViewController> popViewController(bool animated);
-  // Where the top screen offers a way back and shows no modal view.
+  // Pops the top screen if it offers Back and shows no modal view.
   bool goBack() override;
   std::shared_ptr<UIViewController> contentScreen() override;
   // The top screen's navigation item is another one.

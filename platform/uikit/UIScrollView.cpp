@@ -245,7 +245,7 @@ void UIScrollView::layoutSubviews() {
     if (std::exchange(shownHeight_, visible) != visible) reapplyConstraints();
     const QLayout* const layout = content->widget()->layout();
     const double width = bounds().size.width;
-    // What the layout is like may depend on the width.
+    // The layout, and so the height it needs, may depend on the width.
     content->setFrame({{}, {width, std::max(contentSize_.height, visible)}});
     content->layoutSubviews();
     const int points = int(std::lround(width));
@@ -260,7 +260,7 @@ void UIScrollView::layoutSubviews() {
 }
 
 void UIScrollView::hintThatItScrolls() {
-  // A margin below the content is nothing to point at.
+  // No hint when only the margin below the content is out of sight.
   constexpr double kMargin = 16;
   isHinting_ = canScroll() && range().height > kMargin && !hasBeenScrolled_;
   if (isHinting_) showBar(true);

@@ -75,7 +75,7 @@ class UIScrollView : public UIView {
   double maxConstraintHeight() const override;
   // After the content or the view's size has changed.
   void keepWithinContent() { place(contentOffset()); }
-  // Shows the bar until people scroll, while there is more than fits.
+  // Shows the bar until the user scrolls, if the content does not fit.
   void hintThatItScrolls();
   // After the content has moved.
   virtual void didScroll() {}
@@ -83,7 +83,7 @@ class UIScrollView : public UIView {
  private:
   struct Drag;
 
-  // Null where the content is not a page.
+  // Null if the content is not a page.
   UIView* page() const;
   // The content inset, with the part of a page that the keyboard covers.
   UIEdgeInsets effectiveInset() const;
@@ -105,10 +105,10 @@ class UIScrollView : public UIView {
   UIEdgeInsets indicatorInsets_;
   bool isScrollEnabled_ = true;
   bool isGliding_ = false;
-  // True while the bar stays, as people have not scrolled yet.
+  // True while the bar stays visible because the user has not scrolled yet.
   bool isHinting_ = false;
   bool hasBeenScrolled_ = false;
-  // Points that the keyboard covers of a page.
+  // Height of the page's part that the keyboard covers, points.
   double covered_ = 0;
   double shownHeight_ = 0;
   std::unique_ptr<Drag> drag_;

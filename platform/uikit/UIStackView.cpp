@@ -20,11 +20,11 @@ constexpr double kNarrow = 360;
 constexpr double kNarrowMargin = 20;
 constexpr double kMaxColumns = 840;
 constexpr int kBetweenColumns = 24;
-// Shares of the width.
+// Relative widths of the two columns.
 constexpr int kLeftColumn = 2;
 constexpr int kRightColumn = 3;
 
-// The factor of vertical distances for a visible height.
+// Scale factor of vertical distances at a visible height.
 double density(double height) {
   constexpr double kLow = 400;
   constexpr double kVeryLow = 200;
@@ -32,8 +32,8 @@ double density(double height) {
   return height < kLow ? 0.5 : 1;
 }
 
-// The toolkit's own item asks for the preferred height of a layout whose height depends on the
-// width, and never for less.
+// The toolkit's own item never lets a layout with height-for-width be lower than its preferred
+// height.
 class Item : public QWidgetItem {
  public:
   using QWidgetItem::QWidgetItem;

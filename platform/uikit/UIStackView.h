@@ -23,7 +23,7 @@ class UIStackView : public UIView {
   void layoutSubviews() override;
 
  private:
-  // As the file has them.
+  // Values as in the storyboard file.
   struct Design {
     UIEdgeInsets margins;
     int spacing;

@@ -237,7 +237,7 @@ void UITableView::touchesEnded(const UITouch& touch) {
   const auto row = pressed_;
   endPress();
   if (!row || rowUnder(touch) != row) return;
-  // Keys go on from the row that was tapped.
+  // Arrow keys continue from the tapped row.
   if (focused_) focused_ = row;
   showFocus(false);
   choose(*row);

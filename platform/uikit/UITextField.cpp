@@ -197,7 +197,7 @@ class UITextField::Editor : public QLineEdit {
   }
 
   void focusInEvent(QFocusEvent* event) override {
-    // Before the caret's event, which makes a screen reader take the field for the one it was in.
+    // Sent before the caret's event; else a screen reader assumes that the field had the focus.
     if (field_) AccessibleView::focusGained(*field_);
     QLineEdit::focusInEvent(event);
     if (!field_) return;

@@ -58,7 +58,7 @@ class UITextField : public UIControl {
   // tells the delegate and the actions. False where one of them would not have it, or the field is
   // disabled or in no window.
   bool becomeFirstResponder();
-  // The same for a typed character, which tells the delegate first.
+  // As becomeFirstResponder(), for a typed character: calls textFieldWillBeginTyping() first.
   bool beginTyping();
   bool resignFirstResponder() { return endEditing(false); }
   bool endEditing(bool force) override;

@@ -490,8 +490,8 @@ void UIView::setHidden(bool hidden) {
   if (!hidden) postAccessibilityAnnouncement(*this, accessibilityText(*this));
 }
 
-// The toolkit would give the focus of a widget that it hides to whatever comes next, for example to
-// the way out.
+// When the toolkit hides a focused widget, it moves the focus to the next one, which may be Close
+// or Back. So the focus is taken away first.
 void UIView::resignFocusWithin() {
   const auto window = superview_ ? this->window() : nullptr;
   if (!window || window->isInsideForm()) return;

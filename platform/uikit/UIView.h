@@ -199,7 +199,7 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   // Read after the label and the role: how to use the view, in a sentence.
   void setAccessibilityHint(std::string hint) { accessibilityHint_ = std::move(hint); }
   const std::string& accessibilityHint() const { return accessibilityHint_; }
-  // Of a view that opens something; none for others.
+  // Set by views that open something; none for all others.
   void setAccessibilityExpanded(std::optional<bool> isExpanded) { isExpanded_ = isExpanded; }
   std::optional<bool> isAccessibilityExpanded() const { return isExpanded_; }
   void setAccessibilityRole(UIAccessibilityRole role) { accessibilityRole_ = role; }
@@ -224,9 +224,9 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   void redrawAt(double time);
   // The toolkit has deleted the widget.
   virtual void widgetLost() {}
-  // The most height that a constraint which gives way may ask for in this view. Points.
+  // Maximum height for a constraint with a minimum in this view, points.
   virtual double maxConstraintHeight() const;
-  // To be called when what maxConstraintHeight() answers has changed.
+  // Call when the result of maxConstraintHeight() has changed.
   void reapplyConstraints();
   // A wheel or touch pad moved over the view, by points; whether it was used.
   virtual bool wheelMoved(CGPoint) { return false; }

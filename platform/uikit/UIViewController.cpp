@@ -178,7 +178,7 @@ bool isBlockedByDialog(const QWidget& window) {
   return modal->windowModality() == Qt::ApplicationModal || isWithin(modal, &window);
 }
 
-// A presentation that the user cannot see or use yet goes on, but the host's developer should know.
+// Logs a presentation that the user cannot see or use yet. It continues all the same.
 void reportUnusable(const QWidget& window) {
   if (!window.isVisible()) {
     print("Kestrova: the presented screen cannot be seen: the host's window is not shown");

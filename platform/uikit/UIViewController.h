@@ -84,8 +84,8 @@ class KESTROVA_EXPORT UIViewController : public UIResponder {
   // Takes away what this screen presents, with all that is presented above; where it presents
   // nothing, asks its presenter to take away this screen. Without either nothing happens.
   void dismiss(bool animated, std::function<void()> completion = {});
-  // Takes away the presentation that this screen belongs to, with all that is presented above it,
-  // whatever is coming or going there. Nothing happens without one.
+  // Dismisses the presentation that this screen belongs to and everything presented above it, even
+  // during a motion. Does nothing if there is none.
   void endPresentation(bool animated);
 
   // Goes the storyboard's way of that name: the destination is made, prepare() is called, and it is
@@ -97,13 +97,13 @@ class KESTROVA_EXPORT UIViewController : public UIResponder {
   virtual void prepare(const UIStoryboardSegue&,
                        const std::shared_ptr<UIViewController>& /*sender*/) {}
 
-  // The screen that people look at inside a frame or a stack; this one unless overridden.
+  // The screen that is visible inside a frame or a stack; this one unless overridden.
   virtual std::shared_ptr<UIViewController> contentScreen();
   // The view that gets the keyboard's focus when this screen has appeared; null for none. Unless
   // overridden, the first in reading order that can take it.
   virtual std::shared_ptr<UIView> preferredFocusView();
 
-  // What assistive technology calls the screen while it shows no heading.
+  // The screen's name for assistive technology while it shows no heading.
   virtual std::string accessibilityTitle() const { return {}; }
   // Escape, or its like of assistive technology: shuts what is open on this screen. False where
   // nothing is; the screens around are asked then.

@@ -319,7 +319,7 @@ void UIWindow::modalityChanged() {
     return resignFocus();
   }
   if (!widget()) return;
-  // Later, because the code that hides the modal view may go on to another screen.
+  // Deferred, because the code that hides the modal view may open another screen.
   QMetaObject::invokeMethod(
       widget(),
       [weak = std::weak_ptr<UIWindow>(shared(this))] {

@@ -85,8 +85,8 @@ class UIWindow : public UIView {
   bool ignoresTouches(const UIView& view) const;
   bool ignoresTaps(const UIView& view) const;
   bool ignoresKey(std::string_view key) const;
-  // A modal view has come or gone: takes touch and focus from what it covers, or gives the focus
-  // back soon.
+  // Call when a modal view has appeared or gone: cancels touches on the views it covers and takes
+  // their focus, or restores the focus soon.
   void modalityChanged();
 
   // Whether keys that nobody here has used go on to the host's form.

@@ -29,8 +29,8 @@ std::string box(std::string_view type, const std::string& content) {
   return bytes(kHead + content.size()).append(type).append(content);
 }
 
-// Version and flags, no dates, five units a second, no duration; ordinary speed and loudness, no
-// turn; no previews; the first track to come has number 1.
+// Version and flags, no dates, five units a second, no duration; normal speed and volume, identity
+// matrix; no preview; the next track has number 1.
 std::string movieHeader() {
   std::string content = bytes(0) + bytes(0) + bytes(0) + bytes(5) + bytes(0);
   content += bytes(0x00010000) + std::string("\x01\x00", 2) + std::string(10, '\0');
@@ -40,7 +40,7 @@ std::string movieHeader() {
   return content + std::string(24, '\0') + bytes(1);
 }
 
-// The width of dates and durations in a box of this content: version 1 has wide ones.
+// Bytes of each date and duration in a box with this content: version 1 uses 64 bits.
 std::size_t width(std::string_view content) {
   return content.starts_with('\0') ? 4 : 8;
 }
@@ -56,7 +56,7 @@ std::string completedHeader(std::string content, std::size_t between, std::uint3
   return content.replace(at, size, bytes(duration + delay, size));
 }
 
-// The edit list behind an edit that shows nothing.
+// The edit list, preceded by an empty edit of `delay`.
 std::string delayedEdits(std::string_view content, std::uint32_t delay) {
   constexpr std::size_t kEntries = 8;
   const auto size = width(content);
@@ -71,7 +71,7 @@ std::string delayedEdits(std::string_view content, std::uint32_t delay) {
 
 std::string completed(std::string_view boxes, std::uint32_t delay);
 
-// None for a box that stays as it is.
+// None if the box needs no change.
 std::optional<std::string> completedContent(std::string_view type, std::string_view content,
                                             std::uint32_t delay) {
   if (type == "mvhd") return completedHeader(std::string(content), 4, delay);
@@ -89,7 +89,7 @@ std::string completed(std::string_view boxes, std::uint32_t delay) {
   while (boxes.size() >= kHead) {
     const auto shortSize = number(boxes.substr(0, 4));
     const auto size = shortSize == 1 ? number(boxes.substr(kHead, 8)) : shortSize;
-    // A size of 0 means that the box goes to the end.
+    // A size of 0 means that the box extends to the end.
     if (size < kHead || size > boxes.size()) break;
     const auto whole = boxes.substr(0, static_cast<std::size_t>(size));
     const auto type = whole.substr(4, 4);

@@ -38,7 +38,7 @@ class MovieFile {
   const std::size_t width_;
   const std::size_t height_;
   const CMTime frameDuration_;
-  // Of the first and the last frame, in units of the track's time.
+  // Times of the first and the last frame, in units of the track's time.
   std::uint64_t firstTime_ = 0;
   std::uint64_t lastTime_ = 0;
   std::unique_ptr<Pipeline> pipeline_;

@@ -18,9 +18,9 @@ namespace kestrova {
 
 class SpinnerView;
 
-// A screen of instructions that opens a camera's screen and sends what was recorded there. Its
-// button says what the user waits for, a notice says what failed. When its window is hidden, the
-// camera's screen goes, and the user starts again from the instructions. Main thread.
+// A screen of instructions that opens a camera screen and uploads the recording. Its button shows
+// progress, a notice shows errors. When its window is hidden, the camera screen is closed, and the
+// user starts again from the instructions. Main thread.
 class CaptureViewController : public UIViewController {
  public:
   // Shown while the recording is sent.
@@ -40,7 +40,7 @@ class CaptureViewController : public UIViewController {
  protected:
   // "video" or "photo".
   virtual std::string recordingName() const = 0;
-  // Takes the camera's screen away if it is presented, without a motion.
+  // Dismisses the camera screen if it is presented, without animation.
   virtual void closeCamera() = 0;
 
   // A capture consists of asynchronous steps. Each holds the number of its attempt, and does
@@ -51,20 +51,20 @@ class CaptureViewController : public UIViewController {
   // True from the moment the window was hidden until the next attempt.
   bool wasHidden() const { return wasHidden_; }
 
-  // Puts a text into the button's place; until setIdle() a tap on it does nothing.
+  // Shows a text as the button's title and ignores taps on it until setIdle().
   void setBusy(const std::string& text);
   void setIdle();
   bool isBusy() const { return isBusy_; }
 
-  // Clears the notice where the text is empty.
+  // An empty text hides the notice.
   void showNotice(const std::string& text);
   // Says that the recording could not be written to this device.
   void showNotSaved();
 
-  // Shows the overlay, unless the upload that it is for was not even encoded.
+  // Shows the overlay, unless encoding its upload has already failed.
   void showLoading();
   void hideLoading();
-  // For the uploads of API. Nothing is said on a screen that the user has left.
+  // Failure handler for API's uploads. Does nothing once the user has left the screen.
   API::FailureHandler uploadFailureHandler();
 
  private:
@@ -78,7 +78,7 @@ class CaptureViewController : public UIViewController {
   std::size_t attempt_ = 0;
   bool wasHidden_ = false;
   bool isBusy_ = false;
-  // True after an upload of this attempt was not encoded.
+  // True after encoding an upload of this attempt has failed.
   bool isNotEncoded_ = false;
   bool isNotSent_ = false;
 };

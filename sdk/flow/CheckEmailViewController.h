@@ -71,7 +71,7 @@ class CheckEmailViewController : public UIViewController, public UITextFieldDele
   AnimationClock::Token longWait_;
   // True while the spinner is shown.
   bool isWaiting_ = false;
-  // Number of times the screen has gone. A response to a request of an earlier visit moves nothing.
+  // Counts how often the screen was left. A response to an earlier visit's request is ignored.
   std::size_t visit_ = 0;
 };
 

@@ -58,7 +58,7 @@ class DocumentCaptureViewController : public CaptureViewController,
   std::string recordingName() const override { return "photo"; }
   void closeCamera() override;
 
-  // True when the photo could not be stored: nothing is sent, and the user may try again.
+  // True if the photo could not be stored: nothing is sent, and the user may try again.
   bool hasFailed_ = false;
 };
 

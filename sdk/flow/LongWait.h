@@ -11,10 +11,10 @@ class UILabel;
 
 namespace kestrova {
 
-// Seconds without a response after which the user is told what to do.
+// Seconds without a response until the user gets advice.
 inline constexpr double kLongWait = 15;
 
-// Shows that advice in the label after kLongWait, unless the token goes first. Main thread.
+// Shows that advice in the label after kLongWait. Releasing the token cancels it. Main thread.
 [[nodiscard]] AnimationClock::Token sayAfterLongWait(const std::weak_ptr<UILabel>& label);
 
 }  // namespace kestrova

@@ -146,7 +146,7 @@ void MoveHeadViewController::engineAnswered(bool success) {
   }
   screen->modalPresentationStyle = UIModalPresentationStyle::overCurrentContext;
   engineScreen_ = screen;
-  // Below the engine's screen the button is ready for the next attempt.
+  // The button, covered by the engine's screen, is made ready for the next attempt.
   present(screen, true, [weak = std::weak_ptr(shared(this))] {
     if (const auto alive = weak.lock()) alive->setIdle();
   });
@@ -208,7 +208,7 @@ void MoveHeadViewController::makeMovie(const ZoomVerificationResult& result) {
       CXEImagesToVideo::videoSettings(AVVideoCodecH264, static_cast<int>(first.value()->width()),
                                       static_cast<int>(first.value()->height())));
   setBusy("Preparing your video");
-  // Runs where the user has neither left the screen nor hidden the window.
+  // Runs `body` unless the user has left the screen or hidden the window.
   const auto onScreen = [weak = std::weak_ptr(shared(this)), attempt = attempt()](auto body) {
     const auto alive = weak.lock();
     if (!alive || !alive->isCurrent(attempt)) return;
@@ -218,7 +218,7 @@ void MoveHeadViewController::makeMovie(const ZoomVerificationResult& result) {
   movie->stopHandler = [onScreen] {
     onScreen([](MoveHeadViewController& screen) { screen.showNotSaved(); });
   };
-  // The movie holds its completion only until that was called.
+  // No lasting cycle: the movie releases its completion after calling it.
   movie->createMovieFrom(
       *metrics.auditTrail, [onScreen, liveScore, movie](const std::filesystem::path& url) {
         onScreen([&](MoveHeadViewController& screen) {

@@ -31,7 +31,7 @@ std::optional<std::size_t> stepOf(const UIViewController& screen) {
   return std::nullopt;
 }
 
-// A passport has no back. None for a screen that does not know the document.
+// A passport has one step less: no back. None if the screen does not know the document.
 std::optional<std::size_t> stepCountOf(const UIViewController& screen) {
   const std::string* document = nullptr;
   if (const auto* front = dynamic_cast<const ScanIDInstructionsViewController*>(&screen)) {

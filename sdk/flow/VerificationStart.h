@@ -26,12 +26,12 @@ class VerificationStart : public UIViewController, public UINavigationController
   void navigationControllerWillShow(UINavigationController& navigation, UIViewController& screen,
                                     bool animated) override;
   std::shared_ptr<UIViewController> contentScreen() override;
-  // Ends the whole flow. After the first upload it asks once before that, unless there is nothing
-  // left to lose; pressed again over the question, it ends the flow.
+  // Ends the flow. After the first upload it asks for confirmation, unless nothing can be lost any
+  // more; a second press, while the question is shown, ends the flow.
   void exitVerification(const std::shared_ptr<UIControl>& sender);
-  // As exitVerification().
+  // Same as exitVerification().
   bool accessibilityPerformEscape() override;
-  // From a screen of the flow whose upload begins.
+  // Called by a screen of the flow when its upload begins.
   static void uploadBegan(const UIViewController& screen);
 
  private:
@@ -40,7 +40,7 @@ class VerificationStart : public UIViewController, public UINavigationController
   void leave();
 
   bool hasUpload_ = false;
-  // The question, and whether its motion has ended.
+  // The question, and true once its motion has ended.
   std::weak_ptr<UIViewController> question_;
   bool isQuestionReadable_ = false;
 };

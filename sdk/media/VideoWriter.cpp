@@ -146,7 +146,7 @@ void CXEImagesToVideo::append(const UIImage& image, std::size_t i) {
   const auto duration = writeInput->frameDuration();
   const auto before = static_cast<std::int64_t>(i) - 1;
   const CMTime time = i == 0 ? kCMTimeZero : CMTimeMake(before, duration.timescale) + duration;
-  // A frame that cannot be written fails the writer, which is told when it finishes.
+  // If the frame cannot be written, the writer fails and reports it when it finishes.
   static_cast<void>(bufferAdapter->append(*buffer, time));
 }
 
@@ -188,7 +188,7 @@ void CXEImagesToVideo::stop() {
   assetWriter.reset();
   std::error_code ignored;
   if (isWriting) std::filesystem::remove(*fileURL, ignored);
-  // Ends what the handlers hold on the main thread.
+  // Releases what the handlers hold on the main thread.
   DispatchQueue::main().async([completion = std::exchange(completionBlock, nullptr),
                                stopped = std::exchange(stopHandler, nullptr)] {
     if (stopped) stopped();

@@ -75,7 +75,7 @@ def on_event(event):
                     spoken.append(describe(each))
             spoken.append(describe(focused))
     except GONE:
-        pass  # The object has gone meanwhile.
+        pass  # The object no longer exists.
 
 
 def handle(seconds=0.05):
@@ -96,7 +96,7 @@ def wait(what, condition):
             continue
         if found:
             return found
-    sys.exit(f"waited in vain for {what}; spoken: {spoken}")
+    sys.exit(f"timed out waiting for {what}; spoken: {spoken}")
 
 
 def find(role, name):
@@ -137,7 +137,7 @@ def verify(out):
     press("Verify with Kestrova")
     arrive(out, "What’s your nationality?")
 
-    # The host is out of reach, also by objects that are remembered.
+    # The host cannot be reached, not even through objects obtained earlier.
     if find(pyatspi.ROLE_PUSH_BUTTON, DESK):
         sys.exit("the host is offered below the flow")
     for remembered in (desk, start):

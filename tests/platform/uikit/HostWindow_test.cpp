@@ -178,7 +178,7 @@ QStringList namesIn(const QAccessibleInterface& object) {
   return names;
 }
 
-// What assistive technology does with an object that it remembers.
+// Uses an object that assistive technology has kept.
 void pressRemembered(QAccessible::Id id) {
   auto* const object = QAccessible::accessibleInterface(id);
   auto* const actions = object ? object->actionInterface() : nullptr;
@@ -216,7 +216,7 @@ TEST_F(HostWindow, HidesItsWidgetsFromAssistiveTechnologyUnderAFlow) {
   const auto pressAll = [&] {
     pressed = 0;
     for (const auto id : remembered) pressRemembered(id);
-    // A button of the toolkit is pressed by a timer.
+    // The toolkit presses its buttons from a timer.
     QTest::qWait(0);
     return QTest::qWaitFor([&] { return pressed == 3; }, 300) ? 3 : pressed;
   };
@@ -247,7 +247,7 @@ TEST_F(HostWindow, HidesItsWidgetsFromAssistiveTechnologyUnderAFlow) {
   settle();
   EXPECT_FALSE(namesIn(*object(own.get())).contains("Front desk"));
   own.reset();
-  // Another host is whole.
+  // Another host's window keeps its whole tree.
   EXPECT_TRUE(object(field)->actionInterface());
 }
 

@@ -503,7 +503,7 @@ TEST_F(TableView, ShowsAssistiveTechnologyEveryRowWithoutAskingForCells) {
   model->sections = {100};
   view->reloadData();
   EXPECT_EQ(list->childCount(), 100);
-  // The toolkit prints a line where an object that assistive technology still asks is not valid.
+  // The toolkit logs a warning when assistive technology uses an invalid object.
   EXPECT_TRUE(far->isValid());
   EXPECT_TRUE(far->state().invisible);
   EXPECT_TRUE(far->actionInterface()->actionNames().isEmpty());

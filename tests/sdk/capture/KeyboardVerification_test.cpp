@@ -1,4 +1,4 @@
-// A whole verification by a person who has nothing but a keyboard.
+// A complete verification with the keyboard alone.
 
 #include "sdk/flow/CheckEmailViewController.h"
 #include "tests/sdk/capture/CaptureFlowTest.h"
@@ -10,7 +10,7 @@ class KeyboardVerification : public test::CaptureFlowTest {
  protected:
   KeyboardVerification() { host().activateWindow(); }
 
-  // As the desktop delivers a key: to the widget that has the focus, else to the active window.
+  // Delivers a key as the desktop does: to the focused widget, else to the active window.
   void press(Qt::Key key) {
     QWidget* const focused = QApplication::focusWidget();
     QTest::keyClick(focused ? focused : &host(), key);

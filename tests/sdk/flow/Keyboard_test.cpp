@@ -1,4 +1,4 @@
-// The flow in the hands of a person who presses keys at any moment.
+// The flow while keys are pressed at any moment.
 
 #include <QtGui/QAccessible>
 
@@ -16,7 +16,7 @@ class Keyboard : public test::CaptureFlowTest {
  protected:
   Keyboard() { host().activateWindow(); }
 
-  // As the desktop delivers a key: to the widget that has the focus, else to the active window.
+  // Delivers a key as the desktop does: to the focused widget, else to the active window.
   void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QWidget* const focused = QApplication::focusWidget();
     QTest::keyClick(focused ? focused : &host(), key, modifiers);

@@ -351,7 +351,7 @@ TEST_F(Flow, LetsTheKeyboardOpenTheListMoveAndChoose) {
   press(Qt::Key_Tab);
   EXPECT_TRUE(table->isFocused());
   press(Qt::Key_Return);
-  // What the last search found stays until the next edit.
+  // The last search's results stay until the next edit.
   EXPECT_EQ(screen->selectedCountryCode, "ci");
   EXPECT_TRUE(field->isFocused());
 }

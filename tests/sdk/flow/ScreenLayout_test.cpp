@@ -93,7 +93,7 @@ class ScreenLayout : public test::FlowTest, public testing::WithParamInterface<C
     const CGSize whole = view.bounds().size;
     return part.width > whole.width - 1 && part.height > whole.height - 1;
   }
-  // As a person would who drags whatever can be dragged.
+  // Scrolls every scroll view around the view, as a user could.
   bool canBeScrolledIntoSight(const UIView& view) const {
     std::vector<std::pair<UIScrollView*, CGPoint>> moved;
     for (auto above = view.superview(); above; above = above->superview()) {
