@@ -22,6 +22,7 @@
 #include "platform/uikit/NativePainter.h"
 #include "platform/uikit/TouchDispatcher.h"
 #include "platform/uikit/UIApplication.h"
+#include "platform/uikit/UIControl.h"
 #include "platform/uikit/UIGestureRecognizer.h"
 #include "platform/uikit/UIViewController.h"
 #include "platform/uikit/UIWindow.h"
@@ -782,7 +783,9 @@ bool UIView::isFocusedByKeyboard() const {
 }
 
 void UIView::becomeFocused() {
-  if (widget_ && isReachable()) widget_->setFocus(Qt::TabFocusReason);
+  const auto* const control = dynamic_cast<const UIControl*>(this);
+  if (!widget_ || !isReachable() || (control && !control->isEnabled())) return;
+  widget_->setFocus(Qt::TabFocusReason);
 }
 
 bool UIView::keyPressed(const std::string&) {

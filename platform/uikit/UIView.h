@@ -180,7 +180,7 @@ class KESTROVA_EXPORT UIView : public UIResponder {
   bool isFocused() const;
   // Focused, and not merely because its window came to the front.
   bool isFocusedByKeyboard() const;
-  // Does nothing while the view is not reachable.
+  // Does nothing while the view is not reachable or is a disabled control.
   void becomeFocused();
   // A key that reached the focused view or one below this one: true where it was used.
   virtual bool keyPressed(const std::string& key);

@@ -318,7 +318,8 @@ void UIWindow::modalityChanged() {
     lastFocused_ = focused;
     return resignFocus();
   }
-  if (!widget()) return;
+  // In a host's form the focus may be on a widget of the host.
+  if (!widget() || isInsideForm()) return;
   // Deferred, because the code that hides the modal view may open another screen.
   QMetaObject::invokeMethod(
       widget(),

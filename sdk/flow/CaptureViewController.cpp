@@ -1,6 +1,7 @@
 #include "sdk/flow/CaptureViewController.h"
 
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIBindings.h"
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UILabel.h"
@@ -105,6 +106,7 @@ void CaptureViewController::uploadFailed(API::Failure failure) {
   if (failure == API::Failure::notEncoded) {
     hideLoading();
     isNotEncoded_ = true;
+    recordingNotSaved();
     return showNotSaved();
   }
   // The overlay stays: the backend may have the recording.
@@ -115,6 +117,8 @@ void CaptureViewController::uploadFailed(API::Failure failure) {
   }
   if (const auto label = loadingText.lock()) {
     label->setText("Check the connection, then close and start again.");
+    postAccessibilityAnnouncement(*label,
+                                  "Your " + recordingName() + " wasn’t sent. " + label->text());
   }
   if (const auto ring = spinner.lock()) ring->setHidden(true);
 }

@@ -42,6 +42,8 @@ class CaptureViewController : public UIViewController {
   virtual std::string recordingName() const = 0;
   // Dismisses the camera screen if it is presented, without animation.
   virtual void closeCamera() = 0;
+  // Prepares the next attempt after a recording could not be written to this device.
+  virtual void recordingNotSaved() {}
 
   // A capture consists of asynchronous steps. Each holds the number of its attempt, and does
   // nothing after that attempt has ended: another began, the user left, or the window was hidden.

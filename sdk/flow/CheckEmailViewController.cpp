@@ -4,6 +4,7 @@
 
 #include "platform/foundation/Print.h"
 #include "platform/foundation/Text.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIAlertController.h"
 #include "platform/uikit/UIBindings.h"
 #include "platform/uikit/UIButton.h"
@@ -192,6 +193,7 @@ void CheckEmailViewController::signupFailed() {
   if (!label) return;
   label->setText("Your email wasn’t sent. Check the connection, then close and start again.");
   label->setHidden(false);
+  postAccessibilityAnnouncement(*label, label->text());
 }
 
 void CheckEmailViewController::startProcessAsNewUserAuthenticate() {

@@ -80,11 +80,15 @@ void DocumentCaptureViewController::imagePickerControllerDidFinishPickingMediaWi
   } else {
     hasFailed_ = true;
     hideLoading();
+    recordingNotSaved();
     showNotSaved();
-    // The next attempt begins as the first one did.
-    mediaUI->setCameraOverlayView(nullptr);
-    addOberserver();
   }
+}
+
+// The next attempt begins as the first one did.
+void DocumentCaptureViewController::recordingNotSaved() {
+  mediaUI->setCameraOverlayView(nullptr);
+  addOberserver();
 }
 
 void DocumentCaptureViewController::closeCamera() {

@@ -57,6 +57,7 @@ class DocumentCaptureViewController : public CaptureViewController,
  private:
   std::string recordingName() const override { return "photo"; }
   void closeCamera() override;
+  void recordingNotSaved() override;
 
   // True if the photo could not be stored: nothing is sent, and the user may try again.
   bool hasFailed_ = false;

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UILabel.h"
 
 namespace kestrova {
@@ -12,6 +13,7 @@ AnimationClock::Token sayAfterLongWait(const std::weak_ptr<UILabel>& label) {
     if (const auto shown = label.lock()) {
       shown->setText("Still sending. Check the connection, or close and start again.");
       shown->setHidden(false);
+      postAccessibilityAnnouncement(*shown, shown->text());
     }
     return std::nullopt;
   });

@@ -133,12 +133,14 @@ void MoveHeadViewController::engineAnswered(bool success) {
     return showNotice("We couldn’t start the selfie check. Try again.");
   }
   constexpr ZoomSDKStatus kReady{1};
-  if (Zoom::sdk().getStatus() != kReady) return setIdle();
+  // While the question about leaving is open, no other screen can be presented.
+  if (Zoom::sdk().getStatus() != kReady || presentedViewController()) return setIdle();
   setZoomCustomizationBasedOnDevice();
   Zoom::sdk().auditTrailType = 1;
   const auto screen = Zoom::sdk().createVerificationVC(shared(this));
   if (!screen) {
     print("Kestrova: the selfie cannot be taken: the liveness engine gave no screen");
+    setIdle();
     const auto alert = std::make_shared<UIAlertController>(
         "The camera could not start", "Please try again, or close and come back later.");
     alert->addAction(std::make_shared<UIAlertAction>("OK", UIAlertActionStyle::standard));

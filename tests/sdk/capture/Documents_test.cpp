@@ -214,7 +214,13 @@ TEST_F(Documents, CanBeTriedAgainWhereThePictureCannotBeKept) {
   EXPECT_TRUE(waitFor([&] { return shows("We couldn’t save your photo."); }));
   EXPECT_TRUE(screen->loadingView.lock()->isHidden());
   std::filesystem::create_directory(directory.path() / "uploads");
-  photograph(*screen);
+  openPicker(*screen);
+  const auto last = screen->mediaUI->cameraOverlayView();
+  tap(*screen->mediaUI, "Take photo");
+  ASSERT_TRUE(watchUntil([&] { return shows("Use photo"); }));
+  EXPECT_EQ(last->superview(), nullptr);
+  tap(*screen->mediaUI, "Use photo");
+  finishMotion();
   EXPECT_TRUE(waitForTop<CongratsViewController>());
 }
 
