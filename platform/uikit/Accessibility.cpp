@@ -179,7 +179,7 @@ class ViewObject : public QAccessibleWidget {
     if (name == pressAction()) {
       of->accessibilityActivate();
     } else if (name == setFocusAction()) {
-      of->becomeFocused();
+      if (!state().disabled) of->becomeFocused();
     } else {
       QAccessibleWidget::doAction(name);
     }
