@@ -740,11 +740,12 @@ void Walk::happened(Place at, Event event) {
   if (event == Event::primary) {
     const bool hasKeys = Kestrova::authentication_key && Kestrova::apiKey;
     if (!hasKeys && ruleFor(at, Event::missingKey)) event = Event::missingKey;
+    const auto* const first = event == Event::primary ? ruleFor(at, event) : nullptr;
     for (const auto id : pending()) {
       const auto request = transport_->at(id);
       // Not the one that this event has just sent.
       const bool isEarlier = id < counted_ && request.visit == *visit_;
-      if (isEarlier && request.step != "initialize" && event == Event::primary) {
+      if (isEarlier && first && std::ranges::count(first->requests, request.step) > 0) {
         event = Event::repeat;
       }
     }
