@@ -39,7 +39,7 @@ const std::vector<Rule>& flowModel() {
       {email, primary, {}, {"signup"}, {}},
       {email, answer, {selfie}, {}, "any JSON object: to the selfie, spinner hidden"},
       {email, lateAnswer, {}, {}, "logged, moves nothing"},
-      {email, silence, {}, {}, "stays under its spinner"},
+      {email, silence, {}, {}, "stays under its spinner, which says what to do: after 15 s, at once where it failed"},
       {email, missingKey, {warning}, {}, "to the warning, without spinner when it comes back"},
       {email, repeat, {}, {}, "out of reach under the spinner's veil"},
       {email, goBack, {below}, {}, {}},
@@ -49,7 +49,7 @@ const std::vector<Rule>& flowModel() {
       {selfie, pictures, {}, {"record_face_video", "authentication_assessments"}, {}},
       {selfie, answer, {document}, {"check_face_video"}, "any JSON object: overlay hidden, to the document type"},
       {selfie, lateAnswer, {}, {"check_face_video"}, "logged; the check is sent, moves nothing"},
-      {selfie, silence, {}, {}, "stays under its overlay"},
+      {selfie, silence, {}, {}, "stays under its overlay, which says what to do: after 15 s, at once where it failed"},
       {selfie, missingKey, {warning}, {}, "to the warning"},
       {selfie, repeat, {}, {}, "out of reach under the overlay; one engine at a time"},
       {selfie, goBack, {below}, {}, {}},
@@ -68,7 +68,7 @@ const std::vector<Rule>& flowModel() {
       {frontSide, pictures, {}, {"record_authentication_document_video"}, {}},
       {frontSide, answer, {backSide, congratulations}, {"check_authentication_document_video"}, "any JSON object: the check is sent; to the back, of a passport to congratulations"},
       {frontSide, lateAnswer, {}, {"check_authentication_document_video"}, "logged; the check is sent, moves nothing"},
-      {frontSide, silence, {}, {}, "stays under its overlay"},
+      {frontSide, silence, {}, {}, "stays under its overlay, which says what to do: after 15 s, at once where it failed"},
       {frontSide, missingKey, {warning}, {}, "to the warning"},
       {frontSide, repeat, {}, {}, "out of reach under the overlay; one camera at a time"},
       {frontSide, goBack, {below}, {}, {}},
@@ -78,7 +78,7 @@ const std::vector<Rule>& flowModel() {
       {backSide, pictures, {}, {"record_authentication_document_video_back"}, {}},
       {backSide, answer, {congratulations}, {"check_authentication_document_video_back"}, "any JSON object: to congratulations; the check is sent"},
       {backSide, lateAnswer, {}, {"check_authentication_document_video_back"}, "logged; the check is sent, moves nothing"},
-      {backSide, silence, {}, {}, "stays under its overlay"},
+      {backSide, silence, {}, {}, "stays under its overlay, which says what to do: after 15 s, at once where it failed"},
       {backSide, missingKey, {warning}, {}, "to the warning"},
       {backSide, repeat, {}, {}, "out of reach under the overlay; one camera at a time"},
       {backSide, leave, {host}, {}, {}},
@@ -104,18 +104,40 @@ const Rule* ruleFor(Place at, Event event) {
 }
 
 std::string flowTable() {
+  constexpr std::array kScreens{nationality, email,    selfie,          document,
+                                frontSide,   backSide, congratulations, warning};
   constexpr std::array kColumns{answer, lateAnswer, silence, missingKey, repeat};
+  const auto cell = [](std::string_view text) {
+    return (text.empty() ? "–" : std::string(text)) + " |";
+  };
   std::string text =
       "| Screen | answer | late answer | silence | missing key | repeat tap |\n"
       "|---|---|---|---|---|---|\n";
-  for (const auto place :
-       {nationality, email, selfie, document, frontSide, backSide, congratulations, warning}) {
-    text.append("| ").append(nameOf(place)).append(" |");
+  for (const auto place : kScreens) {
+    text.append("| ").append(cell(nameOf(place)));
     for (const auto event : kColumns) {
       const auto* const rule = ruleFor(place, event);
-      text.append(" ").append(rule && !rule->text.empty() ? rule->text : "–").append(" |");
+      text.append(" ").append(cell(rule ? rule->text : ""));
     }
     text += "\n";
+  }
+  text += "\n| Screen | sends | leads to | Back leads to |\n|---|---|---|---|\n";
+  for (const auto place : kScreens) {
+    std::string sent;
+    std::string led;
+    for (const auto& rule : flowModel()) {
+      if (rule.at != place || rule.event == goBack || rule.event == leave) continue;
+      for (const auto step : rule.requests) {
+        const auto quoted = "`" + std::string(step) + "`";
+        if (sent.find(quoted) == std::string::npos) sent += (sent.empty() ? "" : ", ") + quoted;
+      }
+      for (const auto next : rule.next) {
+        led += (led.empty() ? "" : ", ") + std::string(nameOf(next));
+      }
+    }
+    text.append("| ").append(cell(nameOf(place))).append(" ").append(cell(sent));
+    text.append(" ").append(cell(led)).append(" ");
+    text.append(cell(ruleFor(place, goBack) ? nameOf(below) : "")).append("\n");
   }
   return text;
 }

@@ -51,7 +51,7 @@ const std::vector<Rule>& flowModel();
 const Rule* ruleFor(Place at, Event event);
 std::string_view nameOf(Place place);
 
-// The table of screens and events of docs/flow.md that follows from the model, in Markdown.
+// The tables of docs/flow.md that follow from the model, in Markdown.
 std::string flowTable();
 
 }  // namespace kestrova::walk
