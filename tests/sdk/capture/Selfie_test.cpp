@@ -171,6 +171,7 @@ TEST_F(Selfie, StaysWhereTheEngineIsNotReady) {
   LivenessEngine::setCurrent(nullptr);
   rehearse({});
   takeSelfie();
+  EXPECT_TRUE(watchUntil([&] { return top<ChooseDocumentTypeViewController>() != nullptr; }));
 }
 
 TEST_F(Selfie, TellsTheEngineWhoAsksAndHowItIsToLook) {
